@@ -1,0 +1,47 @@
+#include "front/velmar_test_dispatch.h"
+
+#include <array>
+#include <cstdlib>
+
+#include "front/velmar_cmd_ids.h"
+#include "front/velmar_handlers.h"
+#include "front/velmar_help.h"
+
+namespace {
+
+constexpr std::array kCategories{
+    velmar_category{VELMAR_CAT_NV, "nv", nullptr},
+    velmar_category{VELMAR_CAT_RF, "rf", nullptr},
+    velmar_category{VELMAR_CAT_NVEFS, "nvefs", nullptr},
+    velmar_category{VELMAR_CAT_CMN, "cmn", nullptr},
+    velmar_category{VELMAR_CAT_QMI_SEND, "qmi send_data", nullptr},
+    velmar_category{VELMAR_CAT_MODEM_STATS, "modem stats", nullptr},
+    velmar_category{VELMAR_CAT_AT, "at command", velmar_test_at_cmd_do},
+    velmar_category{VELMAR_CAT_QMI_MODEM_STATS, "modem stats qmi", nullptr},
+};
+
+}  // namespace
+
+std::span<const velmar_category> velmar_categories() { return kCategories; }
+
+const velmar_category *velmar_category_find(int category) {
+  for (const auto &row : kCategories) {
+    if (row.category == category) return &row;
+  }
+  return nullptr;
+}
+
+int velmar_main(int argc, char **argv) {
+  if (argc < 2) {
+    show_help(0);
+    return 0;
+  }
+  const velmar_category *row = velmar_category_find(atoi(argv[1]));
+  if (row == nullptr || row->handler == nullptr) {
+    show_help(0);
+  } else {
+    row->handler(argc, argv);
+  }
+  // The exit status never reports a failure; the printed lines do.
+  return 0;
+}

@@ -1,0 +1,62 @@
+// Host liblog: logcat-style lines appended to <state dir>/logcat.txt, and to
+// stderr when RPK_LOG_STDERR=1.
+#include <android/log.h>
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <string>
+
+#include "rpk_host.h"
+
+namespace {
+
+char priority_letter(int prio) {
+  static constexpr char kLetters[] = "??VDIWEFS";
+  return (prio >= 0 && prio <= ANDROID_LOG_SILENT) ? kLetters[prio] : '?';
+}
+
+int log_fd() {
+  static const int fd = [] {
+    std::string path = rpk_host::state_dir() + "/logcat.txt";
+    return open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+  }();
+  return fd;
+}
+
+}  // namespace
+
+extern "C" int __android_log_print(int prio, const char *tag, const char *fmt, ...) {
+  char msg[4096];
+  va_list ap;
+  va_start(ap, fmt);
+  vsnprintf(msg, sizeof msg, fmt, ap);
+  va_end(ap);
+
+  timeval tv{};
+  gettimeofday(&tv, nullptr);
+  tm local{};
+  localtime_r(&tv.tv_sec, &local);
+  char stamp[32];
+  strftime(stamp, sizeof stamp, "%m-%d %H:%M:%S", &local);
+
+  char line[4096 + 128];
+  int n = snprintf(line, sizeof line, "%s.%03ld %5d %5ld %c %s: %s\n", stamp,
+                   static_cast<long>(tv.tv_usec / 1000), static_cast<int>(getpid()),
+                   static_cast<long>(syscall(SYS_gettid)), priority_letter(prio),
+                   tag != nullptr ? tag : "", msg);
+  if (n < 0) return n;
+  size_t len = static_cast<size_t>(n) < sizeof line ? static_cast<size_t>(n) : sizeof line - 1;
+  // One write per line keeps lines of concurrent writers whole (O_APPEND).
+  if (int fd = log_fd(); fd >= 0) (void)!write(fd, line, len);
+  if (const char *e = getenv("RPK_LOG_STDERR"); e != nullptr && strcmp(e, "1") == 0) {
+    (void)!write(STDERR_FILENO, line, len);
+  }
+  return static_cast<int>(len);
+}

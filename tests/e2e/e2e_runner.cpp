@@ -1,0 +1,225 @@
+// End-to-end runner: each tests/e2e/**/NAME.cmd is one test. It names the
+// command line and optional shell steps; NAME.out holds the exact stdout.
+//
+//   # comment
+//   bin: rpk                 (default rpk; any binary of the build tree)
+//   env: NAME=VALUE          (added to the environment of every step)
+//   setup: <shell command>   (run before, must exit 0)
+//   args: 4 1 0 550          (blank-separated; "double quotes" group, \" \\ \r \n escape)
+//   check: <shell command>   (run after, must exit 0)
+//
+// Every step sees RPK_SIM_DIR (a fresh state directory of this case), RPK,
+// SIM, DECODE (the binaries) and CASE_DIR. Log line numbers on the console are
+// masked as "RIL[function:N]: " before comparing.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/capture_stdout.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Case {
+  fs::path cmd_file;
+  std::string bin = "rpk";
+  std::vector<std::string> env, setup, checks, args;
+};
+
+std::string read_all(const fs::path &p) {
+  std::ifstream in(p, std::ios::binary);
+  std::ostringstream ss;
+  ss << in.rdbuf();
+  return ss.str();
+}
+
+std::vector<std::string> split_args(const std::string &line) {
+  std::vector<std::string> out;
+  std::string cur;
+  bool in_word = false, quoted = false;
+  for (size_t i = 0; i < line.size(); ++i) {
+    char c = line[i];
+    if (c == '\\' && i + 1 < line.size()) {
+      char n = line[++i];
+      cur += n == 'r' ? '\r' : n == 'n' ? '\n' : n;
+      in_word = true;
+    } else if (c == '"') {
+      quoted = !quoted;
+      in_word = true;
+    } else if (c == ' ' && !quoted) {
+      if (in_word) out.push_back(cur);
+      cur.clear();
+      in_word = false;
+    } else {
+      cur += c;
+      in_word = true;
+    }
+  }
+  if (in_word) out.push_back(cur);
+  return out;
+}
+
+Case parse_case(const fs::path &file) {
+  Case c;
+  c.cmd_file = file;
+  std::istringstream in(read_all(file));
+  std::string line;
+  while (std::getline(in, line)) {
+    auto take = [&](const char *key, std::string &dst) {
+      size_t n = strlen(key);
+      if (line.compare(0, n, key) != 0) return false;
+      dst = line.substr(n);
+      return true;
+    };
+    std::string v;
+    if (line.empty() || line[0] == '#') continue;
+    if (take("bin: ", v)) c.bin = v;
+    else if (take("env: ", v)) c.env.push_back(v);
+    else if (take("setup: ", v)) c.setup.push_back(v);
+    else if (take("check: ", v)) c.checks.push_back(v);
+    else if (take("args:", v)) c.args = split_args(v);
+    else ADD_FAILURE() << file << ": unknown line: " << line;
+  }
+  return c;
+}
+
+struct Result {
+  int status = -1;
+  std::string out, err;
+};
+
+// Runs argv with extra environment, collecting stdout and stderr; killed after
+// `limit` seconds.
+Result run(const std::vector<std::string> &argv, const std::vector<std::string> &env, int limit = 120) {
+  int out_pipe[2], err_pipe[2];
+  if (pipe(out_pipe) != 0 || pipe(err_pipe) != 0) return {};
+  pid_t pid = fork();
+  if (pid == 0) {
+    dup2(out_pipe[1], STDOUT_FILENO);
+    dup2(err_pipe[1], STDERR_FILENO);
+    close(out_pipe[0]);
+    close(err_pipe[0]);
+    int devnull = open("/dev/null", O_RDONLY);
+    dup2(devnull, STDIN_FILENO);
+    for (const auto &e : env) putenv(strdup(e.c_str()));
+    std::vector<char *> cargv;
+    for (const auto &a : argv) cargv.push_back(const_cast<char *>(a.c_str()));
+    cargv.push_back(nullptr);
+    execv(cargv[0], cargv.data());
+    _exit(127);
+  }
+  close(out_pipe[1]);
+  close(err_pipe[1]);
+  Result r;
+  pollfd fds[2] = {{out_pipe[0], POLLIN, 0}, {err_pipe[0], POLLIN, 0}};
+  int open_fds = 2;
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(limit);
+  while (open_fds > 0) {
+    int left = static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                    deadline - std::chrono::steady_clock::now())
+                                    .count());
+    if (left <= 0) {
+      kill(pid, SIGKILL);
+      r.err += "\n[e2e: killed after time limit]";
+      break;
+    }
+    if (poll(fds, 2, left) <= 0) continue;
+    for (int i = 0; i < 2; ++i) {
+      if (fds[i].fd < 0 || !(fds[i].revents & (POLLIN | POLLHUP))) continue;
+      char buf[8192];
+      ssize_t n = read(fds[i].fd, buf, sizeof buf);
+      if (n > 0) {
+        (i == 0 ? r.out : r.err).append(buf, static_cast<size_t>(n));
+      } else {
+        close(fds[i].fd);
+        fds[i].fd = -1;
+        --open_fds;
+      }
+    }
+  }
+  for (auto &f : fds) {
+    if (f.fd >= 0) close(f.fd);
+  }
+  int status = 0;
+  waitpid(pid, &status, 0);
+  r.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return r;
+}
+
+class E2eCase : public testing::Test {
+ public:
+  explicit E2eCase(Case c) : c_(std::move(c)) {}
+
+  void TestBody() override {
+    char tmpl[] = "/tmp/rpk-e2e-XXXXXX";
+    ASSERT_NE(mkdtemp(tmpl), nullptr);
+    const std::string state = tmpl;
+    const std::string bin_dir = RPK_E2E_BIN_DIR;
+    std::vector<std::string> env = {"RPK_SIM_DIR=" + state, "RPK=" + bin_dir + "/rpk",
+                                    "SIM=" + bin_dir + "/rpk-modem-sim",
+                                    "DECODE=" + bin_dir + "/rpk-decode",
+                                    "CASE_DIR=" + c_.cmd_file.parent_path().string()};
+    env.insert(env.end(), c_.env.begin(), c_.env.end());
+    auto shell = [&](const std::string &cmd) { return run({"/bin/sh", "-c", cmd}, env); };
+
+    bool ok = true;
+    for (const auto &s : c_.setup) {
+      Result r = shell(s);
+      if (r.status != 0) {
+        ADD_FAILURE() << "setup failed: " << s << "\n" << r.out << r.err;
+        ok = false;
+        break;
+      }
+    }
+    if (ok) {
+      std::vector<std::string> argv = {bin_dir + "/" + c_.bin};
+      argv.insert(argv.end(), c_.args.begin(), c_.args.end());
+      Result r = run(argv, env);
+      fs::path out_file = c_.cmd_file;
+      out_file.replace_extension(".out");
+      EXPECT_EQ(r.status, 0) << r.err;
+      EXPECT_EQ(mask_log_lines(r.out), read_all(out_file)) << "stderr:\n" << r.err;
+      for (const auto &s : c_.checks) {
+        Result cr = shell(s);
+        EXPECT_EQ(cr.status, 0) << "check failed: " << s << "\n" << cr.out << cr.err;
+      }
+    }
+    if (fs::exists(bin_dir + "/rpk-modem-sim")) shell("\"$SIM\" stop >/dev/null 2>&1 || true");
+    std::error_code ec;
+    fs::remove_all(state, ec);
+  }
+
+ private:
+  Case c_;
+};
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  testing::InitGoogleTest(&argc, argv);
+  std::vector<fs::path> files;
+  for (const auto &e : fs::recursive_directory_iterator(RPK_E2E_CASES)) {
+    if (e.path().extension() == ".cmd") files.push_back(e.path());
+  }
+  std::sort(files.begin(), files.end());
+  for (const auto &f : files) {
+    const std::string suite = f.parent_path().filename().string();
+    const std::string name = f.stem().string();
+    Case c = parse_case(f);
+    testing::RegisterTest(("e2e_" + suite).c_str(), name.c_str(), nullptr, nullptr, __FILE__,
+                          __LINE__, [c]() -> testing::Test * { return new E2eCase(c); });
+  }
+  return RUN_ALL_TESTS();
+}

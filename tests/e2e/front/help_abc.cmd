@@ -1,0 +1,2 @@
+# Not a number: atoi gives 0.
+args: abc

@@ -1,0 +1,2 @@
+# There is no category 2.
+args: 2 1

@@ -1,0 +1,2 @@
+# No category at all prints the whole help.
+args:

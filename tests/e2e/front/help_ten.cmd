@@ -1,0 +1,2 @@
+# Past the last category.
+args: 10

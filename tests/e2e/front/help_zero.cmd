@@ -1,0 +1,2 @@
+# Category 0 is no category.
+args: 0
