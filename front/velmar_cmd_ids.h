@@ -68,10 +68,9 @@ struct velmar_modem_stats_opt {
   const char *label;  // as the help names it
 };
 inline constexpr velmar_modem_stats_opt VELMAR_MODEM_STATS_OPTS[] = {
-    {0, "4G PCC rssi"},  {1, "4G SCC1 rssi"},    {2, "4G SCC2 rssi"},
-    {3, "4G SCC3 rssi"}, {4, "4G SCC4 rssi"},    {5, "4G SCC5 rssi"},
-    {6, "4G SCC6 rssi"}, {7, "5G PCC rssi"},     {8, "5G PCC snr"},
-    {9, "5G ANT diversity"}, {50, "WCDMA rssi"}, {51, "GSM rssi"},
+    {0, "4G PCC rssi"},  {1, "4G SCC1 rssi"},     {2, "4G SCC2 rssi"}, {3, "4G SCC3 rssi"},
+    {4, "4G SCC4 rssi"}, {5, "4G SCC5 rssi"},     {6, "4G SCC6 rssi"}, {7, "5G PCC rssi"},
+    {8, "5G PCC snr"},   {9, "5G ANT diversity"}, {50, "WCDMA rssi"},  {51, "GSM rssi"},
 };
 
 // Returned by handlers for a wrong argument count (printed as 268431370).

@@ -59,8 +59,8 @@ int32_t velmar_string_to_int(const char *text) {
 }
 
 void dump_data(uint32_t length) {
-  const int32_t len = std::min(static_cast<int32_t>(length),
-                               static_cast<int32_t>(VELMAR_NV_DATA_BUF_SIZE));
+  const int32_t len =
+      std::min(static_cast<int32_t>(length), static_cast<int32_t>(VELMAR_NV_DATA_BUF_SIZE));
   if (len < 1) {
     putchar('\n');
     return;

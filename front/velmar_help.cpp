@@ -27,19 +27,23 @@ void help_rf() {
   printf("                  (need to reboot duing first setting) \n");
   printf("   rpk %d %d       /* get gpio test state */\n", c, VELMAR_RF_GPIO_GET);
   printf("   rpk %d %d       /* Close gpio test(need to reboot) */\n", c, VELMAR_RF_GPIO_CLOSE);
-  printf("   rpk %d %d v_ant v_sys v_band_list /* fix tx to upper(lower) antenna for given band "
-         "list */\n",
-         c, VELMAR_RF_TX_SET);
+  printf(
+      "   rpk %d %d v_ant v_sys v_band_list /* fix tx to upper(lower) antenna for given band "
+      "list */\n",
+      c, VELMAR_RF_TX_SET);
   printf("                  (need to reboot) \n");
   printf("                  v_ant: 0 - lower antenna, 1 - upper antenna \n");
   printf("                  v_sys: 0 - gsm, 1 - wcdma, 2 - cdma, 3 - tds, 4 - lte \n");
-  printf("                  v_band_list: bit0~bi43 - (gsm: 850,900,1800,1900; wcdma: "
-         "b1,b2,b4,b5,b8; \n");
+  printf(
+      "                  v_band_list: bit0~bi43 - (gsm: 850,900,1800,1900; wcdma: "
+      "b1,b2,b4,b5,b8; \n");
   printf("                                            cdma: bc0, tds: b34,b39; lte: b1...b44 \n");
-  printf("                  v_band_list: bit44~bi63 - (only for lte: "
-         "b28b,b40b,b41b,b41c,b39b,b252,\n");
-  printf("                                            "
-         "b255,b253,b254,b66,b46,b250,b47,b48,b71,b71b,b38k ...  \n");
+  printf(
+      "                  v_band_list: bit44~bi63 - (only for lte: "
+      "b28b,b40b,b41b,b41c,b39b,b252,\n");
+  printf(
+      "                                            "
+      "b255,b253,b254,b66,b46,b250,b47,b48,b71,b71b,b38k ...  \n");
   printf("   rpk %d %d       /* get tx test state */\n", c, VELMAR_RF_TX_GET);
   printf("   rpk %d %d       /* Close tx test(need to reboot) */\n", c, VELMAR_RF_TX_CLOSE);
 }
@@ -61,21 +65,26 @@ void help_cmn() {
   printf("   rpk %d %d mode type time_out cmd_cnt     /* diag cmd */\n", c, VELMAR_CMN_DIAG_CMD);
   printf("                                    mode: 0 - callback, 1 - dci; \n");
   printf("                                    type: 0 - with result, 1 - without result; \n");
-  printf("                                    time_out: set time - with result, set 0 - without "
-         "result. unit:ms */\n");
+  printf(
+      "                                    time_out: set time - with result, set 0 - without "
+      "result. unit:ms */\n");
   printf("                                    cmd_cnt: diag cmd bytes */\n");
   printf("   rpk %d %d                       /* card status query: 0 - absent, 1 - present\n", c,
          VELMAR_CMN_CARD_STATUS_QUERY);
-  printf("   rpk %d %d sub                   /* card status get, sub: 0 or 1; ret: 0 - absent, 1 - "
-         "present */\n",
-         c, VELMAR_CMN_CARD_STATUS_GET);
-  printf("   rpk %d %d sub mode set_val      /* card status set, sub: 0 or 1; mode: 0 - general, 1 "
-         "- sim; set_val: 0 - low, 1 - high */\n",
-         c, VELMAR_CMN_CARD_STATUS_SET);
-  printf("   rpk %d %d                       /* card type query: 0 - err, 1 - single sim, 2 - mult "
-         "sim */\n",
-         c, VELMAR_CMN_CARD_TYPE_QUERY);
-  printf("   rpk %d %d                       /* trigger SSR of modem */\n", c, VELMAR_CMN_MODEM_SSR);
+  printf(
+      "   rpk %d %d sub                   /* card status get, sub: 0 or 1; ret: 0 - absent, 1 - "
+      "present */\n",
+      c, VELMAR_CMN_CARD_STATUS_GET);
+  printf(
+      "   rpk %d %d sub mode set_val      /* card status set, sub: 0 or 1; mode: 0 - general, 1 "
+      "- sim; set_val: 0 - low, 1 - high */\n",
+      c, VELMAR_CMN_CARD_STATUS_SET);
+  printf(
+      "   rpk %d %d                       /* card type query: 0 - err, 1 - single sim, 2 - mult "
+      "sim */\n",
+      c, VELMAR_CMN_CARD_TYPE_QUERY);
+  printf("   rpk %d %d                       /* trigger SSR of modem */\n", c,
+         VELMAR_CMN_MODEM_SSR);
   printf("   rpk %d %d                       /* trigger Full Dump */\n", c, VELMAR_CMN_FULL_DUMP);
   printf("   rpk %d %d                       /* trigger NV SYNC */\n", c, VELMAR_CMN_NV_SYNC);
   printf("   rpk %d %d                       /* get sar dsi */\n", c, VELMAR_CMN_SAR_DSI);
@@ -97,8 +106,9 @@ void help_modem_stats() {
   printf("                                    id: id of log or event \n");
   printf("   rpk %d %d mask                  /* get the debug info of modem stats */\n", c,
          VELMAR_STATS_TYPE_DEBUG);
-  printf("                                    mask: 0x01 - main; 0x02 - diag; 0x04 - cm; 0x08 - "
-         "uim \n");
+  printf(
+      "                                    mask: 0x01 - main; 0x02 - diag; 0x04 - cm; 0x08 - "
+      "uim \n");
 }
 
 void help_at() {
@@ -122,8 +132,9 @@ void help_qmi_modem_stats() {
 }  // namespace
 
 int show_help(uint32_t n) {
-  puts("\n=========== blew: radio_probe_kit(rpk) cmd help "
-       "=======================================================");
+  puts(
+      "\n=========== blew: radio_probe_kit(rpk) cmd help "
+      "=======================================================");
   // Each test selects its section for n == 0 or n == its category.
   if (n < 2) help_nv();
   if (n == VELMAR_CAT_RF || n == 0) help_rf();
@@ -135,6 +146,7 @@ int show_help(uint32_t n) {
   }
   if ((n & VELMAR_CAT_AT) >= n) help_at();
   if (n == VELMAR_CAT_QMI_MODEM_STATS || n == 0) help_qmi_modem_stats();
-  return puts("=========== above: radio_probe_kit(rpk) cmd help "
-              "=======================================================\n");
+  return puts(
+      "=========== above: radio_probe_kit(rpk) cmd help "
+      "=======================================================\n");
 }

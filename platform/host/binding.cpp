@@ -1,8 +1,7 @@
 // Host answers to the platform-dependent facts.
-#include "platform/rpk_platform.h"
-
 #include <string>
 
+#include "platform/rpk_platform.h"
 #include "rpk_host.h"
 
 #ifndef RPK_HOST_AT_DEVICE

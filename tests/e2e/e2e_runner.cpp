@@ -85,12 +85,18 @@ Case parse_case(const fs::path &file) {
     };
     std::string v;
     if (line.empty() || line[0] == '#') continue;
-    if (take("bin: ", v)) c.bin = v;
-    else if (take("env: ", v)) c.env.push_back(v);
-    else if (take("setup: ", v)) c.setup.push_back(v);
-    else if (take("check: ", v)) c.checks.push_back(v);
-    else if (take("args:", v)) c.args = split_args(v);
-    else ADD_FAILURE() << file << ": unknown line: " << line;
+    if (take("bin: ", v))
+      c.bin = v;
+    else if (take("env: ", v))
+      c.env.push_back(v);
+    else if (take("setup: ", v))
+      c.setup.push_back(v);
+    else if (take("check: ", v))
+      c.checks.push_back(v);
+    else if (take("args:", v))
+      c.args = split_args(v);
+    else
+      ADD_FAILURE() << file << ": unknown line: " << line;
   }
   return c;
 }
@@ -102,7 +108,8 @@ struct Result {
 
 // Runs argv with extra environment, collecting stdout and stderr; killed after
 // `limit` seconds.
-Result run(const std::vector<std::string> &argv, const std::vector<std::string> &env, int limit = 120) {
+Result run(const std::vector<std::string> &argv, const std::vector<std::string> &env,
+           int limit = 120) {
   int out_pipe[2], err_pipe[2];
   if (pipe(out_pipe) != 0 || pipe(err_pipe) != 0) return {};
   pid_t pid = fork();
@@ -167,10 +174,9 @@ class E2eCase : public testing::Test {
     ASSERT_NE(mkdtemp(tmpl), nullptr);
     const std::string state = tmpl;
     const std::string bin_dir = RPK_E2E_BIN_DIR;
-    std::vector<std::string> env = {"RPK_SIM_DIR=" + state, "RPK=" + bin_dir + "/rpk",
-                                    "SIM=" + bin_dir + "/rpk-modem-sim",
-                                    "DECODE=" + bin_dir + "/rpk-decode",
-                                    "CASE_DIR=" + c_.cmd_file.parent_path().string()};
+    std::vector<std::string> env = {
+        "RPK_SIM_DIR=" + state, "RPK=" + bin_dir + "/rpk", "SIM=" + bin_dir + "/rpk-modem-sim",
+        "DECODE=" + bin_dir + "/rpk-decode", "CASE_DIR=" + c_.cmd_file.parent_path().string()};
     env.insert(env.end(), c_.env.begin(), c_.env.end());
     auto shell = [&](const std::string &cmd) { return run({"/bin/sh", "-c", cmd}, env); };
 

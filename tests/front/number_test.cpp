@@ -14,14 +14,21 @@ struct NumberCase {
 
 TEST(VelmarStringToInt, DecimalAndHexadecimal) {
   const NumberCase cases[] = {
-      {"0X1f", 31},       {"0x1F", 31},         {"0x", 0},
-      {"-5", -5},         {"  42", 42},         {"12ab", 12},
-      {"ab", 0},          {"0x-1", 1},          {"0x1g", 16},
+      {"0X1f", 31},
+      {"0x1F", 31},
+      {"0x", 0},
+      {"-5", -5},
+      {"  42", 42},
+      {"12ab", 12},
+      {"ab", 0},
+      {"0x-1", 1},
+      {"0x1g", 16},
       {"0x7fffffff", 2147483647},
       {"0x80000000", 2147483647},  // first term clamps
       {"0xFFFFFFFF", -1879048194},
       {"0x123456789", static_cast<int32_t>(2147483647u + 0x23456789u)},  // clamp, then wrap
-      {"300", 300},       {"0", 0},
+      {"300", 300},
+      {"0", 0},
   };
   for (const auto &c : cases) {
     EXPECT_EQ(velmar_string_to_int(c.text), c.want) << c.text;
@@ -61,8 +68,7 @@ struct DumpCase {
 TEST(DumpData, LayoutAndQuirks) {
   fill_nv();
   const std::string blanks48(48, ' ');
-  const std::string line16 =
-      "20 21 22 23 24 25 26 27 28 29 2a 2b 2c 2d 2e 2f ";
+  const std::string line16 = "20 21 22 23 24 25 26 27 28 29 2a 2b 2c 2d 2e 2f ";
   const DumpCase cases[] = {
       {0, "\n"},
       {static_cast<uint32_t>(-1), "\n"},
@@ -82,7 +88,8 @@ TEST(DumpData, LayoutAndQuirks) {
     } else if (c.length == 16) {
       want = line16 + blanks48 + "   \n\n";
     } else {
-      want = line16 + "   " + "  !\"#$%&'()*+,-." + "\n" + "30 " + std::string(45, ' ') + "   /\n\n";
+      want =
+          line16 + "   " + "  !\"#$%&'()*+,-." + "\n" + "30 " + std::string(45, ' ') + "   /\n\n";
     }
     EXPECT_EQ(got, want) << "length " << c.length;
   }

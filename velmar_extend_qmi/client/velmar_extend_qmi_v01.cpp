@@ -26,10 +26,10 @@ extern const qmi_idl_type_table_object kTypeTable;
 const qmi_idl_type_table_object *const kReferencedTables[] = {&kTypeTable};
 
 constexpr qmi_idl_type_table_object kTypeTable = {
-    0,                                                            // n_types
+    0,                                                              // n_types
     static_cast<uint16_t>(sizeof kMessages / sizeof kMessages[0]),  // n_messages
-    1,                                                            // n_referenced_tables
-    nullptr,                                                      // p_types
+    1,                                                              // n_referenced_tables
+    nullptr,                                                        // p_types
     kMessages,
     const_cast<const qmi_idl_type_table_object **>(kReferencedTables),
     nullptr,  // p_ranges

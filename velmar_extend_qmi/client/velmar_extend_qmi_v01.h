@@ -8,10 +8,11 @@
 #include <cstdint>
 
 inline constexpr uint32_t VELMAR_EXTEND_QMI_SERVICE_ID = 0xFFE4;
-inline constexpr uint16_t VELMAR_EXTEND_QMI_MSG_ID = 0x0002;      // the message the tool sends
-inline constexpr uint16_t VELMAR_EXTEND_QMI_MSG_ID_2 = 0x0003;    // bound, never sent; also the indication
+inline constexpr uint16_t VELMAR_EXTEND_QMI_MSG_ID = 0x0002;  // the message the tool sends
+inline constexpr uint16_t VELMAR_EXTEND_QMI_MSG_ID_2 =
+    0x0003;  // bound, never sent; also the indication
 inline constexpr uint32_t VELMAR_EXTEND_QMI_DATA_MAX = 512;
-inline constexpr uint32_t VELMAR_EXTEND_QMI_MAX_MSG_LEN = 529;    // (3+4) + (3+4) + (3+512)
+inline constexpr uint32_t VELMAR_EXTEND_QMI_MAX_MSG_LEN = 529;  // (3+4) + (3+4) + (3+512)
 
 // Request ids (TLV 0x01 of a request).
 inline constexpr uint32_t VELMAR_REQUEST_ID_NV = 1;      // NV store record (category 1)
