@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "velmar_extend_qmi/velmar_status.h"  // VELMAR_ERR_ARGC, with the other codes
+
 // Categories (argv[1]).
 inline constexpr int VELMAR_CAT_NV = 1;
 inline constexpr int VELMAR_CAT_RF = 3;
@@ -72,6 +74,3 @@ inline constexpr velmar_modem_stats_opt VELMAR_MODEM_STATS_OPTS[] = {
     {4, "4G SCC4 rssi"}, {5, "4G SCC5 rssi"},     {6, "4G SCC6 rssi"}, {7, "5G PCC rssi"},
     {8, "5G PCC snr"},   {9, "5G ANT diversity"}, {50, "WCDMA rssi"},  {51, "GSM rssi"},
 };
-
-// Returned by handlers for a wrong argument count (printed as 268431370).
-inline constexpr int32_t VELMAR_ERR_ARGC = 0x0FFFF00A;
