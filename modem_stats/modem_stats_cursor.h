@@ -11,9 +11,9 @@
 // Multi-byte values are little-endian.
 //
 // Every step checks before it reads. A failed step prints its message (with a
-// newline) on stdout, leaves the cursor as it was, and returns false; the
-// parser then returns at once without a record. The engine is single-threaded:
-// one packet at a time.
+// newline) on stdout, leaves the cursor where the failing check found it, and
+// returns false; the parser then returns at once without a record. The engine
+// is single-threaded: one packet at a time.
 #pragma once
 
 #include <cstdint>
@@ -55,6 +55,11 @@ inline constexpr int TESSERA_LOG_BUF_SIZE = 112;  // what callers hand in, zeroe
 // Resets the cursor for a new packet.
 void modem_stats_cursor_reset(int id, uint8_t *payload);
 
+// Steps that have failed since the program started (every message above but
+// the version gate's, which counts in not_support_num). Lets a caller tell a
+// refused packet from an invalid one without reading the printed text.
+uint64_t modem_stats_failures();
+
 // Byte-aligned read of n (1, 2, 4 or 8) bytes at the cursor, little-endian;
 // moves the cursor by n. Signed reads sign-extend from n bytes.
 bool modem_stats_unpk_u(const char *name, int n, uint64_t *out);
@@ -74,7 +79,9 @@ bool modem_stats_not_valid(int64_t value, const char *name);
 
 // Moves the bit base past the bytes read so far (BASE_WITH_BIT).
 void modem_stats_base_with_bit();
-// Moves the bit base to an absolute bit number; a negative one is refused.
+// Moves the bit base to an absolute bit number of the payload (the byte
+// cursor to 0 and what is left to the bytes from the new base on); a negative
+// one is refused.
 bool modem_stats_base_to_bit(int bit);
 
 // A bit field of a packet layout: `width` bits (1..64) at `bit` from the bit base.
@@ -88,6 +95,10 @@ struct modem_stats_field {
 
 // Reads field f at f.bit + extra_bits (a record index times the record size).
 // Checks position, the 8-byte word, UNPK_MID low/high (and UNPK_HIGH) in order.
+// The position step sets the byte cursor to the word before it is read, so
+// after a later failure the cursor is where that step left it; on success it
+// is 8 bytes past the word. The bit base never moves. Bytes past the readable
+// area (reachable when the base was moved) read as 0.
 bool modem_stats_unpk_bits(const modem_stats_field &f, int extra_bits, int64_t *out);
 
 // Packing: begin zeroes the pack buffer and points the cursor at it; each pk

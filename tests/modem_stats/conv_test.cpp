@@ -1,0 +1,129 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+
+#include "modem_stats/modem_stats_conv.h"
+
+namespace {
+
+TEST(ModemStatsConv, KnownValues) {
+  const struct {
+    const char *what;
+    float got;
+    float want;
+  } cases[] = {
+      {"rsrp 640", modem_stats_i2f_rsrp(640), -140.0f},
+      {"rsrp 0", modem_stats_i2f_rsrp(0), -180.0f},
+      {"rsrp -140.125 rounds away", modem_stats_i2f_rsrp(638), -140.13f},
+      {"rsrp 1215", modem_stats_i2f_rsrp(1215), -104.06f},  // -104.0625
+      {"rsrq 0", modem_stats_i2f_rsrq(0), -30.0f},
+      {"rsrq 250", modem_stats_i2f_rsrq(250), -14.38f},  // -14.375
+      {"rssi 0", modem_stats_i2f_rssi(0), -110.0f},
+      {"snr 200", modem_stats_i2f_snr(200), 0.0f},
+      {"snr 0", modem_stats_i2f_snr(0), -20.0f},
+      {"snr 203", modem_stats_i2f_snr(203), 0.3f},
+      {"nr5g rsrp -12800", modem_stats_nr5g_rsrp(-12800), -100.0f},
+      {"nr5g rsrp 1", modem_stats_nr5g_rsrp(1), 0.01f},  // 0.0078125
+      {"nr5g rsrq -1", modem_stats_nr5g_rsrq(-1), -0.01f},
+      {"nr5g rssi 4096", modem_stats_nr5g_rssi(4096), 0.0f},
+      {"nr5g rssi 0", modem_stats_nr5g_rssi(0), -512.0f},
+      {"nr5g snr 1024", modem_stats_nr5g_snr(1024), 0.0f},
+      {"nr5g snr 0", modem_stats_nr5g_snr(0), 65535.0f},
+      {"nr5g snr 10240", modem_stats_nr5g_snr(10240), 10.0f},
+      {"nr5g snr 512", modem_stats_nr5g_snr(512), -3.01f},  // -3.0103
+      {"nr5g snr max", modem_stats_nr5g_snr(UINT32_MAX), 66.23f},
+      {"lte rssi 1024", modem_stats_lte_rssi(1024), 0.0f},
+      {"lte rssi 0", modem_stats_lte_rssi(0), -256.0f},
+      {"wcdma rssi -512", modem_stats_wcdma_rssi(-512), -106.0f},
+      {"wcdma rssi -507", modem_stats_wcdma_rssi(-507), -105.5f},
+      {"gsm rssi -1", modem_stats_gsm_rssi(-1), -0.06f},  // -0.0625
+      {"rsrp_ex 0", modem_stats_nr5g_rsrp_ex(0), 65535.0f},
+      {"rsrp_ex -12800", modem_stats_nr5g_rsrp_ex(-12800), -100.0f},
+      {"rsrp_ex unrounded", modem_stats_nr5g_rsrp_ex(-12801), -100.0078125f},
+  };
+  for (const auto &c : cases) {
+    EXPECT_EQ(c.got, c.want) << c.what;
+  }
+}
+
+// The rounding rule, written out the long way: each decimal digit comes from
+// a correctly rounded single-precision product of |v|, the third decides the
+// second, and the digits are summed as hundredths.
+float reference_round(float v) {
+  const float a = std::fabs(v);
+  auto digit = [a](double scale) {
+    const float product =
+        static_cast<float>(static_cast<double>(a) * scale);  // exact, then rounded
+    return static_cast<long long>(std::floor(product)) % 10;
+  };
+  long long hundredths = static_cast<long long>(std::floor(a)) * 100 + digit(10) * 10 + digit(100);
+  if (digit(1000) >= 5) ++hundredths;
+  const float r = static_cast<float>(static_cast<long double>(hundredths) / 100.0L);
+  return v < 0 ? -r : r;
+}
+
+struct Sweep {
+  const char *what;
+  float (*conv)(int32_t);
+  long double (*exact)(long long);  // the formula before rounding
+  bool float_raw;                   // the raw value passes through float first
+  int32_t from, to, step;
+};
+
+TEST(ModemStatsConv, SweepAgainstReference) {
+  const Sweep sweeps[] = {
+      {"i2f_rsrp", modem_stats_i2f_rsrp, [](long long x) { return (x - 640) / 16.0L - 140; }, true,
+       -5000, 5000, 1},
+      {"i2f_rsrq", modem_stats_i2f_rsrq, [](long long x) { return x / 16.0L - 30; }, true, -2000,
+       2000, 1},
+      {"i2f_rssi", modem_stats_i2f_rssi, [](long long x) { return x / 16.0L - 110; }, true, -2000,
+       4000, 1},
+      {"i2f_snr", modem_stats_i2f_snr, [](long long x) { return x / 10.0L - 20; }, true, -1000,
+       1000, 1},
+      {"nr5g_rsrp", modem_stats_nr5g_rsrp, [](long long x) { return x / 128.0L; }, false, -40000,
+       40000, 1},
+      {"nr5g_rsrq", modem_stats_nr5g_rsrq, [](long long x) { return x / 128.0L; }, false, -40000,
+       40000, 7},
+      {"nr5g_rssi", modem_stats_nr5g_rssi, [](long long x) { return (x - 4096) / 8.0L; }, false,
+       -10000, 10000, 1},
+      {"lte_rssi", modem_stats_lte_rssi, [](long long x) { return (x - 1024) / 4.0L; }, false,
+       -5000, 5000, 1},
+      {"wcdma_rssi", modem_stats_wcdma_rssi, [](long long x) { return (x + 512) / 10.0L - 106; },
+       false, -5000, 5000, 1},
+      {"gsm_rssi", modem_stats_gsm_rssi, [](long long x) { return x / 16.0L; }, false, -5000, 5000,
+       1},
+  };
+  for (const auto &s : sweeps) {
+    int bad = 0;
+    for (int32_t x = s.from; x <= s.to && bad < 5; x += s.step) {
+      const float want = reference_round(static_cast<float>(s.exact(x)));
+      const float got = s.conv(x);
+      if (got != want) {
+        ++bad;
+        ADD_FAILURE() << s.what << "(" << x << ") = " << got << ", want " << want;
+      }
+    }
+  }
+}
+
+TEST(ModemStatsConv, SnrSweepAgainstReference) {
+  int bad = 0;
+  for (uint32_t x = 1; x < 3000000 && bad < 5; x += (x < 5000 ? 1 : 997)) {
+    const float want = reference_round(static_cast<float>(10.0L * std::log10(x / 1024.0L)));
+    const float got = modem_stats_nr5g_snr(x);
+    if (got != want) {
+      ++bad;
+      ADD_FAILURE() << "nr5g_snr(" << x << ") = " << got << ", want " << want;
+    }
+  }
+}
+
+TEST(ModemStatsConv, RsrpExIsPlainSinglePrecision) {
+  for (int32_t x = -100000; x <= 100000; x += 13) {
+    if (x == 0) continue;
+    ASSERT_EQ(modem_stats_nr5g_rsrp_ex(x), static_cast<float>(x / 128.0L)) << x;
+  }
+}
+
+}  // namespace
