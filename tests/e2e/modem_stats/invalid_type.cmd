@@ -1,0 +1,2 @@
+# Types above 2 do not exist.
+args: 7 5 1

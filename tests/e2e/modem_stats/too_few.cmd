@@ -1,0 +1,2 @@
+# No id: the self-test refuses, the command prints FAIL and its help.
+args: 7 1
