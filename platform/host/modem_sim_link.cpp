@@ -1,0 +1,78 @@
+#include "modem_sim_link.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+
+#include "rpk_host.h"
+
+#ifndef RPK_SIM_BINARY
+#define RPK_SIM_BINARY "rpk-modem-sim"
+#endif
+
+extern char **environ;
+
+namespace rpk_host {
+
+std::string modem_sim_lock_path() { return state_dir() + "/sim.lock"; }
+
+std::string modem_sim_pid_path() { return state_dir() + "/sim.pid"; }
+
+bool modem_sim_running() {
+  int fd = open(modem_sim_lock_path().c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return false;
+  struct flock fl {};
+  fl.l_type = F_WRLCK;
+  fl.l_whence = SEEK_SET;
+  bool held = fcntl(fd, F_OFD_GETLK, &fl) == 0 && fl.l_type != F_UNLCK;
+  close(fd);
+  return held;
+}
+
+std::string modem_sim_binary() {
+  if (const char *bin = getenv("RPK_SIM_BIN"); bin != nullptr && *bin != '\0') return bin;
+  return RPK_SIM_BINARY;
+}
+
+void ensure_modem_sim() {
+  static std::mutex mu;
+  static bool tried = false;
+  std::lock_guard<std::mutex> lock(mu);
+  if (tried) return;
+  tried = true;
+  if (const char *a = getenv("RPK_SIM_AUTOSTART"); a != nullptr && strcmp(a, "0") == 0) return;
+  if (modem_sim_running()) return;
+
+  const std::string bin = modem_sim_binary();
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  // The daemon's own words must never reach the tool's stdout.
+  posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
+  std::string arg0 = bin;
+  char start[] = "start";
+  char *argv[] = {arg0.data(), start, nullptr};
+  pid_t pid = 0;
+  int rc = posix_spawn(&pid, bin.c_str(), &actions, nullptr, argv, environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (rc != 0) {
+    fprintf(stderr, "rpk: cannot start the simulated modem %s: %s\n", bin.c_str(), strerror(rc));
+    return;
+  }
+  int status = 0;
+  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+  }
+  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    fprintf(stderr, "rpk: the simulated modem %s did not start\n", bin.c_str());
+  }
+}
+
+}  // namespace rpk_host

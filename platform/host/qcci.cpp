@@ -1,0 +1,407 @@
+// Host QMI client framework (QCCI): the calls of qmi_client.h over the host
+// transport of qmi_host_transport.h, messages encoded and decoded by the
+// table-driven codec. Each client has one reader thread, the library's own,
+// which completes pending transactions and runs the indication callback; each
+// notifier has one watcher thread.
+#include <qmi_client.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "modem_sim_link.h"
+#include "qmi_host_transport.h"
+#include "qmi_idl_codec.h"
+
+struct qmi_client_struct {
+  enum class Kind { kNotifier, kClient };
+
+  struct Pending {
+    std::vector<uint8_t> packet;
+    bool done = false;
+  };
+
+  Kind kind = Kind::kClient;
+  qmi_idl_service_object_type svc = nullptr;
+  std::thread thread;  // reader of a client, watcher of a notifier
+
+  std::mutex mu;
+  std::condition_variable cv;
+  // Guarded by mu.
+  bool stop = false;  // notifier: end the watcher; client: released
+  bool dead = false;  // client: the connection is gone
+  bool delete_on_exit = false;
+  uint16_t last_txn = 0;
+  std::map<uint16_t, Pending *> pending;
+
+  // Client only; fixed after init.
+  int fd = -1;
+  qmi_client_ind_cb ind_cb = nullptr;
+  void *ind_cb_data = nullptr;
+
+  // Notifier only; the caller's signal object, which outlives the notifier.
+  qmi_client_os_params *os = nullptr;
+};
+
+namespace {
+
+constexpr unsigned kServiceInfoMagic = 0x52504B31;  // marks a host-made service info
+constexpr auto kWatchPeriod = std::chrono::milliseconds(20);
+constexpr auto kInitRetryPeriod = std::chrono::milliseconds(5);
+
+// Every live handle, so a stale or foreign pointer is refused instead of used.
+std::mutex g_handles_mu;
+std::set<qmi_client_type> g_handles;
+
+bool is_live(qmi_client_type h, qmi_client_struct::Kind kind) {
+  std::lock_guard<std::mutex> lock(g_handles_mu);
+  return g_handles.count(h) != 0 && h->kind == kind;
+}
+
+void add_handle(qmi_client_type h) {
+  std::lock_guard<std::mutex> lock(g_handles_mu);
+  g_handles.insert(h);
+}
+
+bool remove_handle(qmi_client_type h) {
+  std::lock_guard<std::mutex> lock(g_handles_mu);
+  return g_handles.erase(h) != 0;
+}
+
+bool service_up(uint32_t service_id) {
+  int fd = rpk_qmi::connect_service(service_id);
+  if (fd < 0) return false;
+  close(fd);
+  return true;
+}
+
+void set_signal(qmi_client_os_params *os) {
+  pthread_mutex_lock(&os->mutex);
+  os->sig_set = 1;
+  pthread_cond_broadcast(&os->cond);
+  pthread_mutex_unlock(&os->mutex);
+}
+
+// Signals on every new server: a socket file that was not there (or was
+// another file) and now accepts a connection. A killed server leaves its file
+// behind; its successor replaces it, which shows as a new inode or ctime.
+void watch_service(qmi_client_type h) {
+  const std::string path = rpk_qmi::service_socket_path(h->svc->service_id);
+  struct Key {
+    dev_t dev = 0;
+    ino_t ino = 0;
+    timespec ctime{};
+    bool operator==(const Key &o) const {
+      return dev == o.dev && ino == o.ino && ctime.tv_sec == o.ctime.tv_sec &&
+             ctime.tv_nsec == o.ctime.tv_nsec;
+    }
+  };
+  bool have_key = false;
+  Key last;
+  std::unique_lock<std::mutex> lock(h->mu);
+  while (!h->stop) {
+    lock.unlock();
+    struct stat st {};
+    if (stat(path.c_str(), &st) != 0) {
+      have_key = false;
+    } else {
+      Key now{st.st_dev, st.st_ino, st.st_ctim};
+      if (!have_key || !(now == last)) {
+        if (service_up(h->svc->service_id)) {
+          set_signal(h->os);
+          last = now;
+          have_key = true;
+        }
+      }
+    }
+    lock.lock();
+    h->cv.wait_for(lock, kWatchPeriod, [h] { return h->stop; });
+  }
+}
+
+void read_packets(qmi_client_type h) {
+  std::vector<uint8_t> buf(rpk_qmi::kMaxPacket);
+  for (;;) {
+    ssize_t n = recv(h->fd, buf.data(), buf.size(), 0);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) break;
+    rpk_qmi::Header hdr;
+    // A malformed packet cannot be matched to anything; drop it.
+    if (!rpk_qmi::parse_header(buf.data(), static_cast<size_t>(n), &hdr)) continue;
+    if (hdr.ctl == rpk_qmi::kCtlResponse) {
+      std::lock_guard<std::mutex> lock(h->mu);
+      auto it = h->pending.find(hdr.txn);
+      if (it != h->pending.end() && !it->second->done) {
+        it->second->packet.assign(buf.begin(), buf.begin() + n);
+        it->second->done = true;
+        h->cv.notify_all();
+      }
+    } else if (hdr.ctl == rpk_qmi::kCtlIndication && h->ind_cb != nullptr) {
+      h->ind_cb(h, hdr.msg_id, buf.data() + rpk_qmi::kHeaderLen, hdr.len, h->ind_cb_data);
+    }
+  }
+  bool self_delete = false;
+  {
+    std::lock_guard<std::mutex> lock(h->mu);
+    h->dead = true;
+    self_delete = h->delete_on_exit;
+    h->cv.notify_all();
+  }
+  if (self_delete) {
+    close(h->fd);
+    delete h;
+  }
+}
+
+qmi_client_error_type open_client(qmi_idl_service_object_type svc, int fd, qmi_client_ind_cb cb,
+                                  void *cb_data, qmi_client_type *out) {
+  auto *h = new qmi_client_struct;
+  h->kind = qmi_client_struct::Kind::kClient;
+  h->svc = svc;
+  h->fd = fd;
+  h->ind_cb = cb;
+  h->ind_cb_data = cb_data;
+  add_handle(h);
+  h->thread = std::thread(read_packets, h);
+  *out = h;
+  return QMI_NO_ERR;
+}
+
+}  // namespace
+
+extern "C" {
+
+int qmi_cci_os_signal_wait(qmi_client_os_params *os_params, unsigned int timeout_ms) {
+  if (os_params == nullptr) return QMI_CLIENT_PARAM_ERR;
+  pthread_mutex_lock(&os_params->mutex);
+  if (timeout_ms == 0) {
+    while (os_params->sig_set == 0) pthread_cond_wait(&os_params->cond, &os_params->mutex);
+  } else {
+    timespec deadline{};
+    clock_gettime(CLOCK_MONOTONIC, &deadline);
+    deadline.tv_sec += timeout_ms / 1000;
+    deadline.tv_nsec += static_cast<long>(timeout_ms % 1000) * 1000000L;
+    if (deadline.tv_nsec >= 1000000000L) {
+      deadline.tv_sec += 1;
+      deadline.tv_nsec -= 1000000000L;
+    }
+    while (os_params->sig_set == 0) {
+      if (pthread_cond_timedwait(&os_params->cond, &os_params->mutex, &deadline) == ETIMEDOUT) {
+        break;
+      }
+    }
+  }
+  const bool set = os_params->sig_set != 0;
+  if (!set) os_params->timed_out = 1;
+  pthread_mutex_unlock(&os_params->mutex);
+  return set ? QMI_NO_ERR : QMI_TIMEOUT_ERR;
+}
+
+qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object_type service_obj,
+                                               qmi_client_os_params *os_params,
+                                               qmi_client_type *user_handle) {
+  if (service_obj == nullptr || os_params == nullptr || user_handle == nullptr) {
+    return QMI_CLIENT_PARAM_ERR;
+  }
+  rpk_host::ensure_modem_sim();
+  pthread_condattr_init(&os_params->attr);
+  pthread_condattr_setclock(&os_params->attr, CLOCK_MONOTONIC);
+  pthread_cond_init(&os_params->cond, &os_params->attr);
+  pthread_mutex_init(&os_params->mutex, nullptr);
+  os_params->sig_set = 0;
+  os_params->timed_out = 0;
+  os_params->clock = CLOCK_MONOTONIC;
+
+  auto *h = new qmi_client_struct;
+  h->kind = qmi_client_struct::Kind::kNotifier;
+  h->svc = service_obj;
+  h->os = os_params;
+  // The first look is made here so a server that is already up is signalled
+  // before this call returns.
+  if (service_up(service_obj->service_id)) set_signal(os_params);
+  add_handle(h);
+  h->thread = std::thread(watch_service, h);
+  *user_handle = h;
+  return QMI_NO_ERR;
+}
+
+qmi_client_error_type qmi_client_get_service_list(qmi_idl_service_object_type service_obj,
+                                                  qmi_service_info *service_info_array,
+                                                  unsigned int *num_entries,
+                                                  unsigned int *num_services) {
+  if (service_obj == nullptr) return QMI_CLIENT_PARAM_ERR;
+  rpk_host::ensure_modem_sim();
+  const unsigned found = service_up(service_obj->service_id) ? 1 : 0;
+  if (num_services != nullptr) *num_services = found;
+  if (service_info_array != nullptr && num_entries != nullptr) {
+    const unsigned n = *num_entries < found ? *num_entries : found;
+    for (unsigned i = 0; i < n; ++i) {
+      service_info_array[i] = qmi_service_info{};
+      service_info_array[i].info[0] = service_obj->service_id;
+      service_info_array[i].info[1] = rpk_qmi::kHostInstance;
+      service_info_array[i].info[2] = kServiceInfoMagic;
+    }
+    *num_entries = n;
+  }
+  return found != 0 ? QMI_NO_ERR : QMI_SERVICE_ERR;
+}
+
+qmi_client_error_type qmi_client_init(qmi_service_info *service_info,
+                                      qmi_idl_service_object_type service_obj,
+                                      qmi_client_ind_cb ind_cb, void *ind_cb_data,
+                                      qmi_client_os_params * /*os_params*/,
+                                      qmi_client_type *user_handle) {
+  if (user_handle != nullptr) *user_handle = nullptr;
+  if (service_info == nullptr || service_obj == nullptr || user_handle == nullptr ||
+      service_info->info[0] != service_obj->service_id ||
+      service_info->info[2] != kServiceInfoMagic) {
+    return QMI_CLIENT_PARAM_ERR;
+  }
+  rpk_host::ensure_modem_sim();
+  int fd = rpk_qmi::connect_service(service_obj->service_id);
+  if (fd < 0) return QMI_SERVICE_ERR;
+  return open_client(service_obj, fd, ind_cb, ind_cb_data, user_handle);
+}
+
+qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object_type service_obj,
+                                               qmi_service_instance instance_id,
+                                               qmi_client_ind_cb ind_cb, void *ind_cb_data,
+                                               qmi_client_os_params * /*os_params*/,
+                                               uint32_t timeout, qmi_client_type *user_handle) {
+  if (user_handle != nullptr) *user_handle = nullptr;
+  if (service_obj == nullptr || user_handle == nullptr) return QMI_CLIENT_PARAM_ERR;
+  rpk_host::ensure_modem_sim();
+  const bool instance_exists =
+      instance_id == QMI_CLIENT_INSTANCE_ANY || instance_id == rpk_qmi::kHostInstance;
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout);
+  // Look once before any time check: a 4 ms limit must still find a service
+  // that is up.
+  for (;;) {
+    if (instance_exists) {
+      int fd = rpk_qmi::connect_service(service_obj->service_id);
+      if (fd >= 0) return open_client(service_obj, fd, ind_cb, ind_cb_data, user_handle);
+    }
+    if (timeout != 0 && std::chrono::steady_clock::now() >= deadline) return QMI_TIMEOUT_ERR;
+    std::this_thread::sleep_for(kInitRetryPeriod);
+  }
+}
+
+qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type user_handle, unsigned int msg_id,
+                                               void *req_c_struct, unsigned int req_c_struct_len,
+                                               void *resp_c_struct, unsigned int resp_c_struct_len,
+                                               unsigned int timeout_msecs) {
+  if (!is_live(user_handle, qmi_client_struct::Kind::kClient)) return QMI_CLIENT_INVALID_CLNT;
+  qmi_client_type h = user_handle;
+  if (resp_c_struct == nullptr || msg_id > 0xFFFF ||
+      (req_c_struct == nullptr && req_c_struct_len != 0)) {
+    return QMI_CLIENT_PARAM_ERR;
+  }
+  const auto id = static_cast<uint16_t>(msg_id);
+  rpk_qmi::MessageInfo req_info;
+  int rc = rpk_qmi::lookup_message(h->svc, QMI_IDL_REQUEST, id, &req_info);
+  if (rc != 0) return rc;
+  if (req_c_struct_len != 0 && req_c_struct_len != req_info.c_struct_sz) {
+    return QMI_CLIENT_PARAM_ERR;
+  }
+
+  std::vector<uint8_t> packet(rpk_qmi::kMaxPacket);
+  uint32_t tlv_len = 0;
+  if (req_c_struct_len != 0) {
+    rc = rpk_qmi::encode_message(h->svc, QMI_IDL_REQUEST, id, req_c_struct, req_c_struct_len,
+                                 packet.data() + rpk_qmi::kHeaderLen,
+                                 static_cast<uint32_t>(packet.size() - rpk_qmi::kHeaderLen),
+                                 &tlv_len);
+    if (rc != 0) return rc;
+  }
+
+  qmi_client_struct::Pending pending;
+  uint16_t txn = 0;
+  {
+    std::lock_guard<std::mutex> lock(h->mu);
+    if (h->dead) return QMI_SERVICE_ERR;
+    do {
+      txn = ++h->last_txn;
+    } while (txn == 0 || h->pending.count(txn) != 0);
+    h->pending[txn] = &pending;
+  }
+  rpk_qmi::put_header(packet.data(),
+                      {rpk_qmi::kCtlRequest, txn, id, static_cast<uint16_t>(tlv_len)});
+  const ssize_t sent = send(h->fd, packet.data(), rpk_qmi::kHeaderLen + tlv_len, MSG_NOSIGNAL);
+
+  std::unique_lock<std::mutex> lock(h->mu);
+  auto ready = [&] { return pending.done || h->dead; };
+  bool answered = false;
+  if (sent == static_cast<ssize_t>(rpk_qmi::kHeaderLen + tlv_len)) {
+    if (timeout_msecs == 0) {
+      h->cv.wait(lock, ready);
+    } else {
+      h->cv.wait_for(lock, std::chrono::milliseconds(timeout_msecs), ready);
+    }
+    answered = pending.done;
+  }
+  const bool dead = h->dead;
+  h->pending.erase(txn);
+  lock.unlock();
+
+  if (!answered) {
+    return (sent < 0 || dead) ? QMI_SERVICE_ERR : QMI_TIMEOUT_ERR;
+  }
+  rpk_qmi::Header hdr;
+  rpk_qmi::parse_header(pending.packet.data(), pending.packet.size(), &hdr);
+  if (hdr.msg_id != id) return QMI_INVALID_TXN;
+  return rpk_qmi::decode_message(h->svc, QMI_IDL_RESPONSE, id,
+                                 pending.packet.data() + rpk_qmi::kHeaderLen, hdr.len,
+                                 resp_c_struct, resp_c_struct_len);
+}
+
+qmi_client_error_type qmi_client_message_decode(qmi_client_type user_handle,
+                                                qmi_idl_type_of_message_type req_resp_ind,
+                                                unsigned int message_id, const void *p_src,
+                                                unsigned int src_len, void *p_dst,
+                                                unsigned int dst_len) {
+  if (!is_live(user_handle, qmi_client_struct::Kind::kClient)) return QMI_CLIENT_INVALID_CLNT;
+  if (message_id > 0xFFFF) return QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND;
+  return rpk_qmi::decode_message(user_handle->svc, req_resp_ind, static_cast<uint16_t>(message_id),
+                                 static_cast<const uint8_t *>(p_src), src_len, p_dst, dst_len);
+}
+
+qmi_client_error_type qmi_client_release(qmi_client_type user_handle) {
+  if (user_handle == nullptr || !remove_handle(user_handle)) return QMI_CLIENT_INVALID_CLNT;
+  qmi_client_type h = user_handle;
+  if (h->kind == qmi_client_struct::Kind::kNotifier) {
+    {
+      std::lock_guard<std::mutex> lock(h->mu);
+      h->stop = true;
+      h->cv.notify_all();
+    }
+    h->thread.join();
+    delete h;
+    return QMI_NO_ERR;
+  }
+  // Waking the reader with a shutdown makes it finish on its own.
+  shutdown(h->fd, SHUT_RDWR);
+  if (h->thread.get_id() == std::this_thread::get_id()) {
+    // Released from its own indication callback: the reader frees it.
+    std::lock_guard<std::mutex> lock(h->mu);
+    h->thread.detach();
+    h->delete_on_exit = true;
+    return QMI_NO_ERR;
+  }
+  h->thread.join();
+  close(h->fd);
+  delete h;
+  return QMI_NO_ERR;
+}
+
+}  // extern "C"

@@ -1,0 +1,153 @@
+#include "faults.h"
+
+#include <algorithm>
+
+#include "modem_services.h"
+
+namespace rpk_sim {
+namespace {
+
+const char *kind_name(FaultKind k) {
+  switch (k) {
+    case FaultKind::kDelay:
+      return "delay";
+    case FaultKind::kError:
+      return "error";
+    case FaultKind::kDropAfter:
+      return "drop_after";
+    case FaultKind::kNoDataValid:
+      return "no_data_valid";
+  }
+  return "?";
+}
+
+bool get_u32(const nlohmann::json &j, const char *key, uint32_t *out) {
+  if (!j.contains(key) || !j[key].is_number_unsigned() || j[key].get<uint64_t>() > 0xFFFFFFFFu) {
+    return false;
+  }
+  *out = j[key].get<uint32_t>();
+  return true;
+}
+
+}  // namespace
+
+FaultEffect Faults::on_request(uint32_t service, int64_t request_id) {
+  FaultEffect effect;
+  for (auto &f : faults_) {
+    if (f.count == 0) continue;
+    if (f.service != 0 && f.service != service) continue;
+    if (f.request_id >= 0 && f.request_id != request_id) continue;
+    switch (f.kind) {
+      case FaultKind::kDelay:
+        effect.delay_ms = std::max(effect.delay_ms, f.value);
+        break;
+      case FaultKind::kError:
+        effect.error = true;
+        effect.error_code = f.value;
+        break;
+      case FaultKind::kNoDataValid:
+        effect.no_data_valid = true;
+        break;
+      case FaultKind::kDropAfter:
+        if (f.value > 0) {
+          --f.value;
+          continue;  // answered normally; not used up yet
+        }
+        effect.drop = true;
+        f.count = 0;
+        continue;
+    }
+    if (f.count > 0) --f.count;
+  }
+  faults_.erase(
+      std::remove_if(faults_.begin(), faults_.end(), [](const Fault &f) { return f.count == 0; }),
+      faults_.end());
+  return effect;
+}
+
+nlohmann::json Faults::to_json() const {
+  nlohmann::json out = nlohmann::json::array();
+  for (const auto &f : faults_) {
+    nlohmann::json j = {{"kind", kind_name(f.kind)}, {"value", f.value}};
+    if (f.service != 0) j["service"] = service_name(f.service);
+    if (f.request_id >= 0) j["request_id"] = f.request_id;
+    if (f.count >= 0) j["count"] = f.count;
+    out.push_back(j);
+  }
+  return out;
+}
+
+uint32_t parse_service(const nlohmann::json &j) {
+  if (j.is_number_unsigned()) return j.get<uint32_t>();
+  if (!j.is_string()) return 0;
+  const std::string s = j.get<std::string>();
+  if (s == "extend" || s == "extend_qmi") return kExtendQmiServiceId;
+  if (s == "sar") return kSarServiceId;
+  try {
+    size_t used = 0;
+    unsigned long v = std::stoul(s, &used, 0);
+    return used == s.size() ? static_cast<uint32_t>(v) : 0;
+  } catch (...) {
+    return 0;
+  }
+}
+
+std::string service_name(uint32_t service) {
+  if (service == kExtendQmiServiceId) return "extend";
+  if (service == kSarServiceId) return "sar";
+  return std::to_string(service);
+}
+
+bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
+  if (!j.is_object() || !j.contains("kind") || !j["kind"].is_string()) {
+    *error = "a fault needs a \"kind\"";
+    return false;
+  }
+  const std::string kind = j["kind"].get<std::string>();
+  *f = Fault{};
+  const char *value_key = nullptr;
+  if (kind == "delay") {
+    f->kind = FaultKind::kDelay;
+    value_key = "ms";
+  } else if (kind == "error") {
+    f->kind = FaultKind::kError;
+    value_key = "code";
+  } else if (kind == "drop_after") {
+    f->kind = FaultKind::kDropAfter;
+    value_key = "requests";
+  } else if (kind == "no_data_valid") {
+    f->kind = FaultKind::kNoDataValid;
+  } else {
+    *error = "unknown fault kind: " + kind;
+    return false;
+  }
+  if (value_key != nullptr && !get_u32(j, value_key, &f->value)) {
+    *error = "fault " + kind + " needs \"" + value_key + "\" (a number)";
+    return false;
+  }
+  if (j.contains("service")) {
+    f->service = parse_service(j["service"]);
+    if (f->service == 0) {
+      *error = "unknown service: " + j["service"].dump();
+      return false;
+    }
+  }
+  uint32_t v = 0;
+  if (j.contains("request_id")) {
+    if (!get_u32(j, "request_id", &v)) {
+      *error = "request_id must be a number";
+      return false;
+    }
+    f->request_id = v;
+  }
+  if (j.contains("count")) {
+    if (!get_u32(j, "count", &v) || v == 0) {
+      *error = "count must be a number above 0";
+      return false;
+    }
+    f->count = v;
+  }
+  return true;
+}
+
+}  // namespace rpk_sim

@@ -1,0 +1,345 @@
+// rpk-modem-sim: the simulated modem and its control command line. See the
+// README section "The simulated modem" for every command.
+#include <cutils/properties.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "control_link.h"
+#include "daemon.h"
+#include "modem_errors.h"
+#include "modem_sim_link.h"
+#include "rpk_host.h"
+#include "settings.h"
+#include "sim_text.h"
+#include "store.h"
+
+namespace {
+
+using nlohmann::json;
+using rpk_sim::parse_number;
+
+constexpr char kUsage[] =
+    "usage: rpk-modem-sim COMMAND [ARGS]\n"
+    "  start [--scenario FILE] [--foreground]   start the daemon (returns once it serves)\n"
+    "  stop | status | reset                    stop, show state, factory reset\n"
+    "  scenario FILE                            apply a scenario to the running daemon\n"
+    "  nv get|set|del|list SUB [ITEM [HEX...]]  NV items\n"
+    "  efs get|set|set-file|del|list SUB [PATH [HEX...|FILE]]  EFS files\n"
+    "  prop get KEY | prop set KEY VALUE        system properties\n"
+    "  set NAME VALUE                           a modem setting\n"
+    "  fault delay MS | error CODE | drop-after N | no-data-valid\n"
+    "        [--service S] [--request-id ID] [--count N]\n"
+    "  fault chunk SIZE | down [MS] [--service S] | up [--service S] | clear\n"
+    "  indicate NUMBER [HEX...]                 send an Extend-QMI indication\n"
+    "  journal [clear]                          print or clear the request journal\n";
+
+int usage() {
+  fputs(kUsage, stderr);
+  return 2;
+}
+
+int complain(const std::string &what) {
+  fprintf(stderr, "rpk-modem-sim: %s\n", what.c_str());
+  return 1;
+}
+
+bool autostart_allowed() {
+  const char *a = getenv("RPK_SIM_AUTOSTART");
+  return a == nullptr || strcmp(a, "0") != 0;
+}
+
+// Sends a command to the daemon, starting it first when allowed.
+int ask_daemon(const json &command, json *answer_out = nullptr) {
+  if (!rpk_host::modem_sim_running()) {
+    if (!autostart_allowed()) return complain("not running");
+    if (rpk_sim::start_daemon("", false) != 0) return 1;
+  }
+  json answer;
+  std::string error;
+  if (!rpk_sim::control_request(command, &answer, &error)) return complain(error);
+  if (!answer.value("ok", false)) return complain(answer.value("error", "refused"));
+  if (answer_out != nullptr) *answer_out = answer;
+  return 0;
+}
+
+std::string join_from(const std::vector<std::string> &args, size_t from) {
+  std::string s;
+  for (size_t i = from; i < args.size(); ++i) s += (i > from ? " " : "") + args[i];
+  return s;
+}
+
+bool parse_sub(const std::string &text, unsigned *sub) {
+  uint64_t v = 0;
+  if (!parse_number(text, &v) || v >= rpk_sim::kSubscriptions) return false;
+  *sub = static_cast<unsigned>(v);
+  return true;
+}
+
+int cmd_stop() {
+  if (!rpk_host::modem_sim_running()) return 0;
+  json answer;
+  std::string error;
+  rpk_sim::control_request({{"cmd", "stop"}}, &answer, &error, 5000);
+  for (int i = 0; i < 1000 && rpk_host::modem_sim_running(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  if (!rpk_host::modem_sim_running()) return 0;
+  // It did not listen: end it by the pid it recorded for itself.
+  std::string pid_text;
+  uint64_t pid = 0;
+  if (rpk_host::read_file(rpk_host::modem_sim_pid_path(), pid_text) &&
+      parse_number(pid_text.substr(0, pid_text.find('\n')), &pid) && pid > 1) {
+    kill(static_cast<pid_t>(pid), SIGKILL);
+    for (int i = 0; i < 500 && rpk_host::modem_sim_running(); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+  }
+  return rpk_host::modem_sim_running() ? complain("could not stop the daemon") : 0;
+}
+
+int cmd_status() {
+  if (!rpk_host::modem_sim_running()) {
+    printf("%s\n",
+           rpk_sim::dump_json({{"running", false}, {"state_dir", rpk_host::state_dir()}}).c_str());
+    return 3;
+  }
+  json answer;
+  std::string error;
+  if (!rpk_sim::control_request({{"cmd", "status"}}, &answer, &error)) return complain(error);
+  answer.erase("ok");
+  printf("%s\n", answer.dump(2, ' ', false, json::error_handler_t::replace).c_str());
+  return 0;
+}
+
+int cmd_reset() {
+  if (rpk_host::modem_sim_running()) return ask_daemon({{"cmd", "reset"}});
+  const std::string dir = rpk_host::state_dir();
+  unlink((dir + "/modem.json").c_str());
+  rpk_sim::Store(dir).factory_reset();
+  return 0;
+}
+
+int cmd_nv(const std::vector<std::string> &a) {
+  if (a.size() < 2) return usage();
+  rpk_sim::Store store(rpk_host::state_dir());
+  store.ensure_factory();
+  const std::string &op = a[0];
+  unsigned sub = 0;
+  if (!parse_sub(a[1], &sub)) return complain("bad subscription: " + a[1]);
+  if (op == "list" && a.size() == 2) {
+    for (uint16_t item : store.nv_items(sub)) printf("%u\n", item);
+    return 0;
+  }
+  uint64_t item = 0;
+  if (a.size() < 3 || !parse_number(a[2], &item) || item >= rpk_sim::kNvItemCount) {
+    return complain("bad item number");
+  }
+  const auto id = static_cast<uint32_t>(item);
+  if (op == "get" && a.size() == 3) {
+    std::string value;
+    if (store.nv_read(sub, id, &value) != rpk_sim::kNvDone) {
+      return complain("item " + a[2] + " of sub " + a[1] + " is not set");
+    }
+    printf("%s\n", rpk_sim::spaced_hex(value).c_str());
+    return 0;
+  }
+  if (op == "set" && a.size() >= 4) {
+    std::vector<uint8_t> bytes;
+    if (!rpk_sim::parse_hex(join_from(a, 3), &bytes)) return complain("bad hex");
+    const int32_t rc = store.nv_write(sub, id, std::string(bytes.begin(), bytes.end()));
+    return rc == 0 ? 0 : complain("write refused (" + std::to_string(rc) + "): 1 to 424 bytes");
+  }
+  if (op == "del" && a.size() == 3) {
+    const int32_t rc = store.nv_delete(sub, id);
+    return rc == 0 || rc == rpk_sim::kNvNotActive ? 0 : complain("delete failed");
+  }
+  return usage();
+}
+
+int cmd_efs(const std::vector<std::string> &a) {
+  if (a.size() < 2) return usage();
+  rpk_sim::Store store(rpk_host::state_dir());
+  store.ensure_factory();
+  const std::string &op = a[0];
+  unsigned sub = 0;
+  if (!parse_sub(a[1], &sub)) return complain("bad subscription: " + a[1]);
+  if (op == "list" && a.size() == 2) {
+    for (const auto &f : store.efs_files(sub)) printf("%s\n", f.c_str());
+    return 0;
+  }
+  if (a.size() < 3) return usage();
+  const std::string &path = a[2];
+  if (op == "get" && a.size() == 3) {
+    std::string content;
+    const int32_t rc = store.efs_read(sub, path, &content);
+    if (rc != 0) return complain("cannot read " + path + " (" + std::to_string(rc) + ")");
+    printf("%s\n", rpk_sim::spaced_hex(content).c_str());
+    return 0;
+  }
+  std::string content;
+  if (op == "set" && a.size() >= 3) {
+    std::vector<uint8_t> bytes;
+    if (!rpk_sim::parse_hex(join_from(a, 3), &bytes)) return complain("bad hex");
+    content.assign(bytes.begin(), bytes.end());
+  } else if (op == "set-file" && a.size() == 4) {
+    if (!rpk_host::read_file(a[3], content)) return complain("cannot read " + a[3]);
+  } else if (op == "del" && a.size() == 3) {
+    const int32_t rc = store.efs_delete(sub, path);
+    return rc == 0 || rc == rpk_sim::kEfsNoEnt ? 0 : complain("cannot delete " + path);
+  } else {
+    return usage();
+  }
+  const int32_t rc = store.efs_write(sub, path, content);
+  return rc == 0 ? 0 : complain("cannot write " + path + " (" + std::to_string(rc) + ")");
+}
+
+int cmd_prop(const std::vector<std::string> &a) {
+  if (a.size() == 2 && a[0] == "get") {
+    char value[PROPERTY_VALUE_MAX];
+    property_get(a[1].c_str(), value, "");
+    printf("%s\n", value);
+    return 0;
+  }
+  if (a.size() == 3 && a[0] == "set") {
+    return property_set(a[1].c_str(), a[2].c_str()) == 0 ? 0 : complain("property refused");
+  }
+  return usage();
+}
+
+int cmd_set(const std::vector<std::string> &a) {
+  uint64_t value = 0;
+  if (a.size() != 2 || !parse_number(a[1], &value)) return usage();
+  if (rpk_host::modem_sim_running()) {
+    return ask_daemon({{"cmd", "set"}, {"name", a[0]}, {"value", value}});
+  }
+  const std::string dir = rpk_host::state_dir();
+  rpk_sim::Settings s = rpk_sim::Settings::load(dir);
+  if (!s.set(a[0], value)) return complain("unknown setting: " + a[0]);
+  return s.save(dir) ? 0 : complain("cannot save the settings");
+}
+
+int cmd_fault(const std::vector<std::string> &a) {
+  if (a.empty()) return usage();
+  const std::string &kind = a[0];
+  json fault = {{"kind", kind}};
+  size_t i = 1;
+  auto number_arg = [&](const char *key, bool optional) {
+    uint64_t v = 0;
+    if (i < a.size() && a[i].compare(0, 2, "--") != 0) {
+      if (!parse_number(a[i], &v)) return false;
+      fault[key] = v;
+      ++i;
+      return true;
+    }
+    return optional;
+  };
+  bool good = true;
+  if (kind == "delay") {
+    good = number_arg("ms", false);
+  } else if (kind == "error") {
+    good = number_arg("code", false);
+  } else if (kind == "drop-after") {
+    fault["kind"] = "drop_after";
+    good = number_arg("requests", false);
+  } else if (kind == "no-data-valid") {
+    fault["kind"] = "no_data_valid";
+  } else if (kind == "chunk") {
+    good = number_arg("size", false);
+  } else if (kind == "down") {
+    good = number_arg("ms", true);
+  } else if (kind != "up" && kind != "clear") {
+    return usage();
+  }
+  for (; good && i + 1 < a.size(); i += 2) {
+    uint64_t v = 0;
+    if (a[i] == "--service") {
+      fault["service"] = a[i + 1];
+    } else if (a[i] == "--request-id" && parse_number(a[i + 1], &v)) {
+      fault["request_id"] = v;
+    } else if (a[i] == "--count" && parse_number(a[i + 1], &v)) {
+      fault["count"] = v;
+    } else {
+      good = false;
+    }
+  }
+  if (!good || i != a.size()) return usage();
+  return ask_daemon({{"cmd", "fault"}, {"fault", fault}});
+}
+
+int cmd_indicate(const std::vector<std::string> &a) {
+  uint64_t number = 0;
+  if (a.empty() || !parse_number(a[0], &number) || number > 0xFFFFFFFFu) return usage();
+  json answer;
+  int rc =
+      ask_daemon({{"cmd", "indicate"}, {"number", number}, {"data", join_from(a, 1)}}, &answer);
+  if (rc == 0) printf("%d\n", answer.value("clients", 0));
+  return rc;
+}
+
+int cmd_journal(const std::vector<std::string> &a) {
+  if (a.size() == 1 && a[0] == "clear") {
+    if (rpk_host::modem_sim_running()) return ask_daemon({{"cmd", "journal_clear"}});
+    unlink((rpk_host::state_dir() + "/journal.jsonl").c_str());
+    return 0;
+  }
+  if (!a.empty()) return usage();
+  std::string text;
+  rpk_host::read_file(rpk_host::state_dir() + "/journal.jsonl", text);
+  fwrite(text.data(), 1, text.size(), stdout);
+  return 0;
+}
+
+int cmd_scenario(const std::vector<std::string> &a) {
+  if (a.size() != 1) return usage();
+  std::string text;
+  if (!rpk_host::read_file(a[0], text)) return complain("cannot read " + a[0]);
+  json scenario = json::parse(text, nullptr, false);
+  if (!scenario.is_object()) return complain(a[0] + " is not a JSON object");
+  return ask_daemon({{"cmd", "scenario"}, {"scenario", scenario}});
+}
+
+int cmd_start(const std::vector<std::string> &a) {
+  std::string scenario;
+  bool foreground = false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (a[i] == "--foreground") {
+      foreground = true;
+    } else if (a[i] == "--scenario" && i + 1 < a.size()) {
+      scenario = a[++i];
+    } else {
+      return usage();
+    }
+  }
+  if (scenario.empty()) {
+    if (const char *s = getenv("RPK_SIM_SCENARIO"); s != nullptr) scenario = s;
+  }
+  return rpk_sim::start_daemon(scenario, foreground);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  if (argc < 2) return usage();
+  const std::string cmd = argv[1];
+  const std::vector<std::string> args(argv + 2, argv + argc);
+  if (cmd == "start") return cmd_start(args);
+  if (cmd == "stop" && args.empty()) return cmd_stop();
+  if (cmd == "status" && args.empty()) return cmd_status();
+  if (cmd == "reset" && args.empty()) return cmd_reset();
+  if (cmd == "scenario") return cmd_scenario(args);
+  if (cmd == "nv") return cmd_nv(args);
+  if (cmd == "efs") return cmd_efs(args);
+  if (cmd == "prop") return cmd_prop(args);
+  if (cmd == "set") return cmd_set(args);
+  if (cmd == "fault") return cmd_fault(args);
+  if (cmd == "indicate") return cmd_indicate(args);
+  if (cmd == "journal") return cmd_journal(args);
+  return usage();
+}

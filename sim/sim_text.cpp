@@ -1,0 +1,72 @@
+#include "sim_text.h"
+
+#include <cctype>
+#include <cstdio>
+
+namespace rpk_sim {
+
+std::string hex_id(uint32_t id) {
+  char buf[16];
+  snprintf(buf, sizeof buf, "0x%04x", id);
+  return buf;
+}
+
+std::string dump_json(const nlohmann::json &j) {
+  return j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+bool parse_hex(const std::string &text, std::vector<uint8_t> *out) {
+  out->clear();
+  size_t i = 0;
+  while (i < text.size()) {
+    if (isspace(static_cast<unsigned char>(text[i])) || text[i] == ',') {
+      ++i;
+      continue;
+    }
+    size_t end = i;
+    while (end < text.size() && !isspace(static_cast<unsigned char>(text[end])) &&
+           text[end] != ',') {
+      ++end;
+    }
+    std::string token = text.substr(i, end - i);
+    if (token.size() > 2 && token[0] == '0' && (token[1] == 'x' || token[1] == 'X')) {
+      token = token.substr(2);
+    }
+    if (token.size() % 2 != 0) return false;
+    for (size_t k = 0; k < token.size(); k += 2) {
+      if (!isxdigit(static_cast<unsigned char>(token[k])) ||
+          !isxdigit(static_cast<unsigned char>(token[k + 1]))) {
+        return false;
+      }
+      out->push_back(static_cast<uint8_t>(std::stoul(token.substr(k, 2), nullptr, 16)));
+    }
+    i = end;
+  }
+  return true;
+}
+
+std::string spaced_hex(const std::string &bytes) {
+  std::string s;
+  char buf[4];
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    snprintf(buf, sizeof buf, i == 0 ? "%02x" : " %02x", static_cast<uint8_t>(bytes[i]));
+    s += buf;
+  }
+  return s;
+}
+
+bool parse_number(const std::string &text, uint64_t *out) {
+  if (text.empty() || text[0] == '-' || text[0] == '+' ||
+      isspace(static_cast<unsigned char>(text[0]))) {
+    return false;
+  }
+  try {
+    size_t used = 0;
+    *out = std::stoull(text, &used, 0);
+    return used == text.size();
+  } catch (...) {
+    return false;
+  }
+}
+
+}  // namespace rpk_sim
