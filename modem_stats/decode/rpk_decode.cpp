@@ -1,7 +1,4 @@
-// Placeholder until the decoding tool lands.
-#include <cstdio>
+// rpk-decode: the statistics engine over captured diag packets.
+#include "modem_stats/decode/decode_run.h"
 
-int main() {
-  std::puts("rpk-decode: not built yet");
-  return 0;
-}
+int main(int argc, char **argv) { return rpk_decode_main(argc, argv); }

@@ -1,0 +1,223 @@
+#include "modem_stats/decode/decode_stream.h"
+
+#include <array>
+
+namespace {
+
+constexpr uint8_t kFlag = 0x7E;
+constexpr uint8_t kEscape = 0x7D;
+constexpr uint8_t kEscapeXor = 0x20;
+constexpr size_t kCrcLen = 2;
+
+constexpr uint8_t kCmdLog = 0x10;
+constexpr uint8_t kCmdEvent = 0x60;
+constexpr size_t kLogHeadLen = 4;    // cmd, more, u16 length
+constexpr size_t kLogItemHead = 12;  // u16 length, u16 code, u64 timestamp
+constexpr size_t kEventHeadLen = 3;  // cmd, u16 length
+
+constexpr std::array<uint16_t, 256> kCrcTable = [] {
+  std::array<uint16_t, 256> t{};
+  for (unsigned i = 0; i < 256; ++i) {
+    uint16_t c = static_cast<uint16_t>(i);
+    for (int k = 0; k < 8; ++k) c = (c & 1) ? static_cast<uint16_t>((c >> 1) ^ 0x8408) : c >> 1;
+    t[i] = c;
+  }
+  return t;
+}();
+
+uint16_t le16(std::span<const uint8_t> b, size_t at) {
+  return static_cast<uint16_t>(b[at] | b[at + 1] << 8);
+}
+
+void check_frame(std::span<const uint8_t> frame, size_t where, const decode_sink &sink) {
+  if (frame.size() < 1 + kCrcLen) {
+    sink.damage(decode_damage::short_frame, where);
+    return;
+  }
+  const auto body = frame.first(frame.size() - kCrcLen);
+  if (decode_crc16(body) != le16(frame, body.size())) {
+    sink.damage(decode_damage::bad_crc, where);
+    return;
+  }
+  decode_packet(body, where, sink);
+}
+
+void decode_events(std::span<const uint8_t> events, size_t where, const decode_sink &sink) {
+  size_t at = 0;
+  while (at < events.size()) {
+    if (events.size() - at < 2) {
+      sink.damage(decode_damage::bad_packet, where);
+      return;
+    }
+    const uint16_t word = le16(events, at);
+    at += 2;
+    const auto id = static_cast<uint16_t>(word & 0x0FFF);
+    const unsigned len_code = (word >> 13) & 0x3;
+    const size_t stamp = (word & 0x8000) ? 2 : 8;
+    if (events.size() - at < stamp) {
+      sink.damage(decode_damage::bad_packet, where);
+      return;
+    }
+    at += stamp;
+    size_t len = len_code;
+    if (len_code == 3) {
+      if (at >= events.size()) {
+        sink.damage(decode_damage::bad_packet, where);
+        return;
+      }
+      len = events[at++];
+    }
+    if (events.size() - at < len) {
+      sink.damage(decode_damage::bad_packet, where);
+      return;
+    }
+    sink.item({true, id, events.subspan(at, len)}, where);
+    at += len;
+  }
+}
+
+int hex_value(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+std::string_view trim(std::string_view s) {
+  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
+  while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
+  return s;
+}
+
+}  // namespace
+
+const char *decode_damage_name(decode_damage d) {
+  switch (d) {
+    case decode_damage::bad_crc:
+      return "bad CRC";
+    case decode_damage::short_frame:
+      return "short frame";
+    case decode_damage::bad_escape:
+      return "bad escape";
+    case decode_damage::truncated:
+      return "truncated frame";
+    case decode_damage::bad_packet:
+      return "bad packet lengths";
+    case decode_damage::bad_line:
+      return "bad line";
+  }
+  return "damaged";
+}
+
+uint16_t decode_crc16(std::span<const uint8_t> bytes) {
+  uint16_t crc = 0xFFFF;
+  for (uint8_t b : bytes) crc = static_cast<uint16_t>((crc >> 8) ^ kCrcTable[(crc ^ b) & 0xFF]);
+  return static_cast<uint16_t>(crc ^ 0xFFFF);
+}
+
+void decode_hdlc(std::span<const uint8_t> stream, const decode_sink &sink) {
+  std::vector<uint8_t> frame;
+  bool escaped = false;
+  size_t frames = 0;
+  for (uint8_t b : stream) {
+    if (b == kFlag) {
+      if (frame.empty() && !escaped) continue;  // a leading or repeated flag
+      ++frames;
+      if (escaped) {
+        sink.damage(decode_damage::bad_escape, frames);
+      } else {
+        check_frame(frame, frames, sink);
+      }
+      frame.clear();
+      escaped = false;
+    } else if (escaped) {
+      frame.push_back(b ^ kEscapeXor);
+      escaped = false;
+    } else if (b == kEscape) {
+      escaped = true;
+    } else {
+      frame.push_back(b);
+    }
+  }
+  if (!frame.empty() || escaped) sink.damage(decode_damage::truncated, frames + 1);
+}
+
+void decode_packet(std::span<const uint8_t> packet, size_t where, const decode_sink &sink) {
+  if (packet.empty()) {
+    sink.damage(decode_damage::short_frame, where);
+    return;
+  }
+  if (packet[0] == kCmdLog) {
+    if (packet.size() < kLogHeadLen + kLogItemHead) {
+      sink.damage(decode_damage::bad_packet, where);
+      return;
+    }
+    const size_t len = le16(packet, 2);
+    const size_t item_len = le16(packet, kLogHeadLen);
+    if (len < kLogItemHead || kLogHeadLen + len > packet.size() || item_len < kLogItemHead ||
+        item_len > len) {
+      sink.damage(decode_damage::bad_packet, where);
+      return;
+    }
+    const uint16_t code = le16(packet, kLogHeadLen + 2);
+    sink.item({false, code, packet.subspan(kLogHeadLen + kLogItemHead, item_len - kLogItemHead)},
+              where);
+    return;
+  }
+  if (packet[0] == kCmdEvent) {
+    if (packet.size() < kEventHeadLen) {
+      sink.damage(decode_damage::bad_packet, where);
+      return;
+    }
+    const size_t len = le16(packet, 1);
+    if (kEventHeadLen + len > packet.size()) {
+      sink.damage(decode_damage::bad_packet, where);
+      return;
+    }
+    decode_events(packet.subspan(kEventHeadLen, len), where, sink);
+    return;
+  }
+  sink.other(packet[0]);
+}
+
+decode_line_kind decode_text_line(std::string_view line, bool *event, uint16_t *id,
+                                  std::vector<uint8_t> *payload) {
+  line = trim(line);
+  if (line.empty() || line.front() == '#') return decode_line_kind::empty;
+  const size_t gap = line.find_first_of(" \t");
+  const std::string_view code = line.substr(0, gap);
+  const std::string_view hex = gap == std::string_view::npos ? "" : trim(line.substr(gap));
+
+  *event = code.front() == 'E' || code.front() == 'e';
+  const std::string_view digits = *event ? code.substr(1) : code;
+  const unsigned base = *event ? 10 : 16;
+  if (digits.empty() || digits.size() > 5) return decode_line_kind::bad;
+  uint32_t value = 0;
+  for (char c : digits) {
+    const int d = hex_value(c);
+    if (d < 0 || static_cast<unsigned>(d) >= base) return decode_line_kind::bad;
+    value = value * base + static_cast<unsigned>(d);
+  }
+  if (value > (*event ? 0x0FFFu : 0xFFFFu)) return decode_line_kind::bad;
+  *id = static_cast<uint16_t>(value);
+
+  if (hex.size() % 2 != 0) return decode_line_kind::bad;
+  payload->clear();
+  for (size_t i = 0; i < hex.size(); i += 2) {
+    const int hi = hex_value(hex[i]);
+    const int lo = hex_value(hex[i + 1]);
+    if (hi < 0 || lo < 0) return decode_line_kind::bad;
+    payload->push_back(static_cast<uint8_t>(hi << 4 | lo));
+  }
+  return decode_line_kind::item;
+}
+
+bool decode_looks_like_text(std::span<const uint8_t> head) {
+  for (uint8_t b : head) {
+    const bool printable = b >= 0x20 && b < 0x7F;
+    if (!printable && b != '\n' && b != '\r' && b != '\t') return false;
+  }
+  return true;
+}
