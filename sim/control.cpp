@@ -207,15 +207,7 @@ json Daemon::status() {
           {"faults", faults_.to_json()},
           {"efs_chunk", modem_.efs_chunk},
           {"counters", modem_.counters()},
-          {"settings", json::parse(
-                           [&] {
-                             // The settings as they are kept on disk.
-                             std::string text;
-                             rpk_host::read_file(dir_ + "/modem.json", text);
-                             return text.empty() ? std::string("{}") : text;
-                           }(),
-                           nullptr, false)},
-          {"card_present", {st.card_present[0], st.card_present[1]}}};
+          {"settings", json::parse(st.to_json_text())}};
 }
 
 json Daemon::control(const json &command) {

@@ -48,7 +48,7 @@ Settings Settings::load(const std::string &state_dir) {
   return s;
 }
 
-bool Settings::save(const std::string &state_dir) const {
+std::string Settings::to_json_text() const {
   json j = {
       {"card_present", {card_present[0], card_present[1]}},
       {"card_detect_mode", {card_detect_mode[0], card_detect_mode[1]}},
@@ -61,7 +61,11 @@ bool Settings::save(const std::string &state_dir) const {
       {"qcn_ms", qcn_ms},
       {"stats", stats},
   };
-  return rpk_host::write_file_atomic(path_of(state_dir), j.dump(2) + "\n");
+  return j.dump(2) + "\n";
+}
+
+bool Settings::save(const std::string &state_dir) const {
+  return rpk_host::write_file_atomic(path_of(state_dir), to_json_text());
 }
 
 bool Settings::set(const std::string &name, uint64_t value) {

@@ -24,6 +24,7 @@ struct Settings {
   // Loads <dir>/modem.json; defaults for anything missing or unreadable.
   static Settings load(const std::string &state_dir);
   bool save(const std::string &state_dir) const;
+  std::string to_json_text() const;
 
   // Sets one setting by name ("sar_state", "card_present.1", "stats.main.x"),
   // as the control interface names them. False for an unknown name.

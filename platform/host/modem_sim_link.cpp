@@ -45,10 +45,10 @@ std::string modem_sim_binary() {
 void ensure_modem_sim() {
   static std::mutex mu;
   static bool tried = false;
+  if (const char *a = getenv("RPK_SIM_AUTOSTART"); a != nullptr && strcmp(a, "0") == 0) return;
   std::lock_guard<std::mutex> lock(mu);
   if (tried) return;
   tried = true;
-  if (const char *a = getenv("RPK_SIM_AUTOSTART"); a != nullptr && strcmp(a, "0") == 0) return;
   if (modem_sim_running()) return;
 
   const std::string bin = modem_sim_binary();

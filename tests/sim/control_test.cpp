@@ -1,0 +1,99 @@
+// The simulator's control surface as tests and shell steps use it: autostart,
+// scenario files, the command line's seeding commands.
+#include <qmi_client.h>
+#include <stdlib.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "modem_sim_link.h"
+#include "sim_fixture.h"
+#include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
+
+namespace rpk_sim_test {
+namespace {
+
+using ControlTest = SimTest;
+
+TEST_F(ControlTest, TheFirstCallThatNeedsTheModemStartsIt) {
+  unsetenv("RPK_SIM_AUTOSTART");
+  setenv("RPK_SIM_BIN", RPK_SIM_TEST_BINARY, 1);
+  ASSERT_FALSE(rpk_host::modem_sim_running());
+  unsigned n = 0;
+  EXPECT_EQ(
+      qmi_client_get_service_list(velmar_extend_qmi_get_service_object_v01(), nullptr, nullptr, &n),
+      0);
+  EXPECT_EQ(n, 1u);
+  EXPECT_TRUE(rpk_host::modem_sim_running());
+  unsetenv("RPK_SIM_BIN");
+}
+
+TEST_F(ControlTest, AScenarioSeedsTheModemAtStart) {
+  const std::string file = dir_ + "/scenario.json";
+  std::ofstream(file) << R"({
+    "settings": {"sar_state": 3, "stats.main.g_pk_version_not_support_num": 2},
+    "nv": [{"sub": 1, "item": 6858, "hex": "64 65"}, {"sub": 0, "item": 550, "delete": true}],
+    "efs": [{"path": "/nv/item_files/modem/velmar/ssr_update_count", "hex": "02000000"},
+            {"sub": 1, "path": "/a/b", "text": "hi"}],
+    "properties": {"persist.radio.ssr_wait_s": "0"},
+    "faults": [{"kind": "chunk", "size": 100}, {"kind": "delay", "ms": 10, "count": 2}]
+  })";
+  ASSERT_EQ(sim("start --scenario " + file), 0);
+  struct Case {
+    const char *command;
+    int status;
+    const char *out;
+  };
+  const Case cases[] = {
+      {"nv get 1 6858", 0, "64 65\n"},
+      {"nv get 0 550", 1, ""},
+      {"efs get 0 /nv/item_files/modem/velmar/ssr_update_count", 0, "02 00 00 00\n"},
+      {"efs get 1 /a/b", 0, "68 69\n"},
+      {"prop get persist.radio.ssr_wait_s", 0, "0\n"},
+  };
+  for (const Case &c : cases) {
+    std::string out;
+    EXPECT_EQ(sim(c.command, &out), c.status) << c.command;
+    EXPECT_EQ(out, c.out) << c.command;
+  }
+  std::string out;
+  ASSERT_EQ(sim("status", &out), 0);
+  auto status = nlohmann::json::parse(out);
+  EXPECT_EQ(status["efs_chunk"], 100);
+  EXPECT_EQ(status["faults"].size(), 1u);
+  EXPECT_EQ(status["settings"]["sar_state"], 3);
+  EXPECT_EQ(status["settings"]["stats"]["main.g_pk_version_not_support_num"], 2);
+  ASSERT_EQ(sim("reset"), 0);
+  out.clear();
+  EXPECT_EQ(sim("nv get 0 550", &out), 0);
+  EXPECT_EQ(out, "08 3a 65 39 08 53 46 83 90\n");
+}
+
+TEST_F(ControlTest, RefusalsLeaveNoDaemonBehind) {
+  const std::string file = dir_ + "/bad.json";
+  std::ofstream(file) << R"({"faults": [{"kind": "explode"}]})";
+  EXPECT_EQ(sim("start --scenario " + file + " 2>/dev/null"), 1);
+  EXPECT_FALSE(rpk_host::modem_sim_running());
+  struct Case {
+    const char *command;
+    int status;
+  };
+  const Case cases[] = {
+      {"fault delay 5", 1},  // needs the daemon, autostart is off
+      {"nv set 0 7233 01", 1},
+      {"nv set 2 10 01", 1},
+      {"nv set 0 10 0g", 1},
+      {"efs set 0 ../x 01", 1},
+      {"set no_such_setting 1", 1},
+      {"fault", 2},
+      {"bogus", 2},
+      {"status", 3},
+      {"stop", 0},
+  };
+  for (const Case &c : cases) {
+    EXPECT_EQ(sim(std::string(c.command) + " 2>/dev/null >/dev/null"), c.status) << c.command;
+  }
+}
+
+}  // namespace
+}  // namespace rpk_sim_test
