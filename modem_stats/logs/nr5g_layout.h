@@ -6,14 +6,15 @@
 // the version. Positions in the tables are written as the payload byte the
 // field's little-endian word starts at (P+n, counted from the version word) and
 // the bit within that word, so they read like the packet's own drawing.
+// Record counts and packing use the steps every log parser shares
+// (log_steps.h).
 #pragma once
 
-#include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <span>
 
+#include "modem_stats/logs/log_steps.h"
 #include "modem_stats/modem_stats_cursor.h"
 
 // Bit of the payload the base sits at once the version word is read.
@@ -57,15 +58,10 @@ template <typename Row, size_t R>
 const Row *modem_stats_nr5g_open(const Row (&rows)[R], const char *parser, uint32_t *version) {
   uint64_t v = 0;
   if (!modem_stats_unpk_u("version", 4, &v)) return nullptr;
-  uint32_t accepted[R];
-  for (size_t i = 0; i < R; ++i) accepted[i] = rows[i].version;
-  if (!modem_stats_version_gate(static_cast<uint32_t>(v), accepted, parser)) return nullptr;
-  modem_stats_base_with_bit();
   *version = static_cast<uint32_t>(v);
-  for (const auto &row : rows) {
-    if (row.version == *version) return &row;
-  }
-  return nullptr;  // unreachable: the gate accepted one of the rows
+  const Row *row = modem_stats_log_layout_for(*version, rows, parser);
+  if (row != nullptr) modem_stats_base_with_bit();
+  return row;
 }
 
 // True when the 8-byte word that reading `f` in a record starting
@@ -76,12 +72,6 @@ inline bool modem_stats_nr5g_fits(const modem_stats_field &f, int record_byte) {
   if (f.width == 0) return true;
   int64_t word = (int64_t{MODEM_STATS_NR5G_BASE_BIT} + f.bit + 8 * int64_t{record_byte}) / 8;
   return record_byte >= 0 && word + 8 <= MODEM_STATS_READABLE_LEN;
-}
-
-// True when `count` records of `size` bytes from payload byte `start` lie
-// inside the readable area: the validity rule for counts taken from a packet.
-constexpr bool modem_stats_nr5g_count_fits(int start, int64_t count, int size) {
-  return start + count * size <= MODEM_STATS_READABLE_LEN;
 }
 
 // Reads `f` shifted by `record_byte` bytes; a field the version does not carry
@@ -102,28 +92,4 @@ inline bool modem_stats_nr5g_read_all(std::span<const modem_stats_field> fields,
     if (!modem_stats_nr5g_read(fields[i], record_byte, &out[i])) return false;
   }
   return true;
-}
-
-// One field of a record: an integer of `width` bytes, or a 32-bit float.
-struct modem_stats_nr5g_pk_item {
-  constexpr modem_stats_nr5g_pk_item(const char *n, std::integral auto v, int w)
-      : name(n), width(w), value(static_cast<uint64_t>(v)) {}
-  constexpr modem_stats_nr5g_pk_item(const char *n, float r) : name(n), width(0), real(r) {}
-  const char *name;
-  int width;  // 0 for a float
-  uint64_t value = 0;
-  float real = 0;
-};
-
-// Packs the items in order and makes the record.
-inline bool modem_stats_nr5g_emit(uint32_t stat,
-                                  std::initializer_list<modem_stats_nr5g_pk_item> items,
-                                  uint32_t *stat_id, modem_stats_single **record) {
-  modem_stats_pk_begin();
-  for (const auto &it : items) {
-    bool ok = it.width != 0 ? modem_stats_pk(it.name, it.value, it.width)
-                            : modem_stats_pk_f32(it.name, it.real);
-    if (!ok) return false;
-  }
-  return modem_stats_pk_finish(stat, stat_id, record);
 }

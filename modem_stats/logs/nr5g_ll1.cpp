@@ -62,15 +62,13 @@ constexpr modem_stats_nr5g_layout<SNR_N> k_b8dd[] = {
 
 // Both SNR packets make the same record: the version and the four chains in
 // decibels.
-bool emit_snr(uint32_t stat, uint32_t version, const float (&snr)[SNR_N], uint32_t *stat_id,
+bool pack_snr(uint32_t stat, uint32_t version, const float (&snr)[SNR_N], uint32_t *stat_id,
               modem_stats_single **record) {
-  return modem_stats_nr5g_emit(stat,
-                               {{"version", version, 4},
-                                {"snr0", snr[0]},
-                                {"snr1", snr[1]},
-                                {"snr2", snr[2]},
-                                {"snr3", snr[3]}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_float("snr0", snr[0]),
+       modem_stats_pk_float("snr1", snr[1]), modem_stats_pk_float("snr2", snr[2]),
+       modem_stats_pk_float("snr3", snr[3])},
+      stat, stat_id, record);
 }
 
 }  // namespace
@@ -98,13 +96,11 @@ bool modem_stats_parse_b8c9_diag_log_nr5g_ll1_fw_rx_control_agc(uint32_t *stat_i
          I(v[B8C9_AGC_SUB]), I(v[B8C9_CODE]));
   if (v[B8C9_CODE] != B8C9_AGC_CODE) return modem_stats_not_valid(v[B8C9_CODE], __func__);
 
-  return modem_stats_nr5g_emit(94,
-                               {{"version", version, 4},
-                                {"rssi0", rssi[0]},
-                                {"rssi1", rssi[1]},
-                                {"rssi2", rssi[2]},
-                                {"rssi3", rssi[3]}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_float("rssi0", rssi[0]),
+       modem_stats_pk_float("rssi1", rssi[1]), modem_stats_pk_float("rssi2", rssi[2]),
+       modem_stats_pk_float("rssi3", rssi[3])},
+      94, stat_id, record);
 }
 
 bool modem_stats_parse_b8d2_diag_log_nr5g_ll1_fw_mac_tx_iu_power(uint32_t *stat_id,
@@ -117,7 +113,7 @@ bool modem_stats_parse_b8d2_diag_log_nr5g_ll1_fw_mac_tx_iu_power(uint32_t *stat_
 
   // The summary shows the first PUSCH entry; without one its values are 0.
   const int64_t loop_num = v[B8D2_LOOP_NUM];
-  bool valid = loop_num > 0 && modem_stats_nr5g_count_fits(B8D2_ENTRIES, loop_num, B8D2_ENTRY_SIZE);
+  bool valid = modem_stats_log_records_fit(B8D2_ENTRIES, loop_num, B8D2_ENTRY_SIZE);
   for (int i = 0; valid && i < loop_num; ++i) {
     int at = B8D2_ENTRIES + i * B8D2_ENTRY_SIZE;
     if (!modem_stats_nr5g_fits(row->f[B8D2_MTPL], at)) {
@@ -140,14 +136,13 @@ bool modem_stats_parse_b8d2_diag_log_nr5g_ll1_fw_mac_tx_iu_power(uint32_t *stat_
       I(v[B8D2_MTPL]));
   if (!valid) return modem_stats_not_valid(loop_num, __func__);
 
-  return modem_stats_nr5g_emit(99,
-                               {{"version", version, 4},
-                                {"version_power", v[B8D2_VERSION_POWER], 1},
-                                {"loop_num", loop_num, 1},
-                                {"pusch_tx", v[B8D2_TX], 2},
-                                {"pusch_path_loss", v[B8D2_PATH_LOSS], 2},
-                                {"pusch_mtpl", v[B8D2_MTPL], 2}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4),
+       modem_stats_pk_int("version_power", v[B8D2_VERSION_POWER], 1),
+       modem_stats_pk_int("loop_num", loop_num, 1), modem_stats_pk_int("pusch_tx", v[B8D2_TX], 2),
+       modem_stats_pk_int("pusch_path_loss", v[B8D2_PATH_LOSS], 2),
+       modem_stats_pk_int("pusch_mtpl", v[B8D2_MTPL], 2)},
+      99, stat_id, record);
 }
 
 bool modem_stats_parse_b8d8_diag_log_nr5g_ll1_log_serving_snr(uint32_t *stat_id,
@@ -162,7 +157,7 @@ bool modem_stats_parse_b8d8_diag_log_nr5g_ll1_log_serving_snr(uint32_t *stat_id,
 
   printf("version = %d, snr0 = %d, snr1 = %d, snr2 = %d, snr3 = %d\n", I(version), I(raw[0]),
          I(raw[1]), I(raw[2]), I(raw[3]));
-  return emit_snr(137, version, snr, stat_id, record);
+  return pack_snr(137, version, snr, stat_id, record);
 }
 
 bool modem_stats_parse_b8dd_diag_log_nr5g_ll1_fw_serving_ftl(uint32_t *stat_id,
@@ -177,5 +172,5 @@ bool modem_stats_parse_b8dd_diag_log_nr5g_ll1_fw_serving_ftl(uint32_t *stat_id,
 
   printf("version = %d, snr0 = %.2f, snr1 = %.2f, snr2 = %.2f, snr3 = %.2f\n", I(version), snr[0],
          snr[1], snr[2], snr[3]);
-  return emit_snr(112, version, snr, stat_id, record);
+  return pack_snr(112, version, snr, stat_id, record);
 }

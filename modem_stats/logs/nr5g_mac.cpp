@@ -208,8 +208,9 @@ bool modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb(uint32_t *stat_id, modem_stat
         break;
       }
       int64_t tb[B872_N];
-      if (!modem_stats_nr5g_read_all(std::span(f + B872_GRANT, 3), at, tb + B872_GRANT))
+      if (!modem_stats_nr5g_read_all(std::span(f + B872_GRANT, 3), at, tb + B872_GRANT)) {
         return false;
+      }
       tti_grant += static_cast<uint32_t>(tb[B872_GRANT]);
       build += static_cast<uint32_t>(tb[B872_BUILD]);
       at += row->tb_size + static_cast<int>(tb[B872_MCE_LEN]);
@@ -224,15 +225,12 @@ bool modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb(uint32_t *stat_id, modem_stat
          I(first_sfn), I(last_sfn), I(grant), I(build), sfn_grant, sfn_full);
   if (!valid) return modem_stats_not_valid(num_tti, __func__);
 
-  return modem_stats_nr5g_emit(115,
-                               {{"version", version, 4},
-                                {"first_sfn", first_sfn, 2},
-                                {"last_sfn", last_sfn, 2},
-                                {"grant", grant, 4},
-                                {"build", build, 4},
-                                {"sfn_grant", sfn_grant},
-                                {"sfn_full", sfn_full}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_int("first_sfn", first_sfn, 2),
+       modem_stats_pk_int("last_sfn", last_sfn, 2), modem_stats_pk_int("grant", grant, 4),
+       modem_stats_pk_int("build", build, 4), modem_stats_pk_float("sfn_grant", sfn_grant),
+       modem_stats_pk_float("sfn_full", sfn_full)},
+      115, stat_id, record);
 }
 
 bool modem_stats_parse_b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl(uint32_t *stat_id,
@@ -248,25 +246,23 @@ bool modem_stats_parse_b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl(uint32_t *sta
   }
 
   printf(
-      "version = %d, num_records = %d, num_carriers = %d, tx_power_pusch = %d, tx_power_pucch = "
-      "%d, "
-      "tx_power_srs = %d, tx_power_prach = %d\n",
+      "version = %d, num_records = %d, num_carriers = %d, tx_power_pusch = %d, "
+      "tx_power_pucch = %d, tx_power_srs = %d, tx_power_prach = %d\n",
       I(version), I(v[B884_NUM_RECORDS]), I(v[B884_NUM_CARRIERS]), I(v[B884_PUSCH]),
       I(v[B884_PUCCH]), I(v[B884_SRS]), I(v[B884_PRACH]));
   const int64_t n = v[B884_NUM_RECORDS];
-  if (n == 0 || !modem_stats_nr5g_count_fits(B884_RECORDS, n, B884_RECORD_SIZE)) {
+  if (!modem_stats_log_records_fit(B884_RECORDS, n, B884_RECORD_SIZE)) {
     return modem_stats_not_valid(n, __func__);
   }
 
-  return modem_stats_nr5g_emit(90,
-                               {{"version", version, 4},
-                                {"num_records", n, 1},
-                                {"num_carriers", v[B884_NUM_CARRIERS], 1},
-                                {"tx_power_pusch", v[B884_PUSCH], 2},
-                                {"tx_power_pucch", v[B884_PUCCH], 2},
-                                {"tx_power_srs", v[B884_SRS], 2},
-                                {"tx_power_prach", v[B884_PRACH], 2}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_int("num_records", n, 1),
+       modem_stats_pk_int("num_carriers", v[B884_NUM_CARRIERS], 1),
+       modem_stats_pk_int("tx_power_pusch", v[B884_PUSCH], 2),
+       modem_stats_pk_int("tx_power_pucch", v[B884_PUCCH], 2),
+       modem_stats_pk_int("tx_power_srs", v[B884_SRS], 2),
+       modem_stats_pk_int("tx_power_prach", v[B884_PRACH], 2)},
+      90, stat_id, record);
 }
 
 bool modem_stats_parse_b885_diag_log_nr5g_mac_dci_info(uint32_t *stat_id,
@@ -295,10 +291,12 @@ bool modem_stats_parse_b885_diag_log_nr5g_mac_dci_info(uint32_t *stat_id,
   auto ul_fits = [&](int at) {
     return modem_stats_nr5g_fits(f[B885_MCS_UL], at) && modem_stats_nr5g_fits(f[B885_RB], at);
   };
+  auto dcis_fit = [&](int size) {
+    return num_dci == 0 || modem_stats_log_records_fit(row->dci_start, num_dci, size);
+  };
   if (f[B885_FORMAT].width != 0) {
     // Mixed list: walk it, each DCI's format telling its size.
-    valid = valid && modem_stats_nr5g_count_fits(row->dci_start, num_dci,
-                                                 std::min(row->ul_size, row->dl_size));
+    valid = valid && dcis_fit(std::min(row->ul_size, row->dl_size));
     int at = row->dci_start;
     for (int i = 0; valid && i < num_dci && !(have_ul && have_dl); ++i) {
       int64_t format = 0;
@@ -318,7 +316,7 @@ bool modem_stats_parse_b885_diag_log_nr5g_mac_dci_info(uint32_t *stat_id,
     }
   } else {
     // Uplink DCIs first, then downlink ones.
-    valid = valid && modem_stats_nr5g_count_fits(row->dci_start, num_dci, row->ul_size);
+    valid = valid && dcis_fit(row->ul_size);
     int dl_at = row->dci_start + static_cast<int>(num_dci) * row->ul_size;
     if (valid && num_dci > 0) {
       if (!ul_fits(row->dci_start)) {
@@ -335,13 +333,11 @@ bool modem_stats_parse_b885_diag_log_nr5g_mac_dci_info(uint32_t *stat_id,
   if (num_records == 0) return modem_stats_not_valid(num_records, __func__);
   if (!valid) return modem_stats_not_valid(num_dci, __func__);
 
-  return modem_stats_nr5g_emit(85,
-                               {{"version", version, 4},
-                                {"num_records", num_records, 1},
-                                {"mcs_dl", mcs_dl, 1},
-                                {"mcs_ul", mcs_ul, 1},
-                                {"rb_assi_num", rb, 4}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_int("num_records", num_records, 1),
+       modem_stats_pk_int("mcs_dl", mcs_dl, 1), modem_stats_pk_int("mcs_ul", mcs_ul, 1),
+       modem_stats_pk_int("rb_assi_num", rb, 4)},
+      85, stat_id, record);
 }
 
 bool modem_stats_parse_b887_diag_log_nr5g_mac_pdsch_status(uint32_t *stat_id,
@@ -364,19 +360,18 @@ bool modem_stats_parse_b887_diag_log_nr5g_mac_pdsch_status(uint32_t *stat_id,
       I(v[B887_RNTI]), I(layers));
   if (v[B887_NUM_RECORDS] == 0) return modem_stats_not_valid(v[B887_NUM_RECORDS], __func__);
   const int64_t n = v[B887_NUM_STATUS];
-  if (n == 0 || !modem_stats_nr5g_count_fits(row->entry_start, n, B887_ENTRY_SIZE)) {
+  if (!modem_stats_log_records_fit(row->entry_start, n, B887_ENTRY_SIZE)) {
     return modem_stats_not_valid(n, __func__);
   }
 
-  return modem_stats_nr5g_emit(87,
-                               {{"version", version, 4},
-                                {"num_records", v[B887_NUM_RECORDS], 1},
-                                {"num_pdsch_status", n, 1},
-                                {"mod_type", v[B887_MOD], 1},
-                                {"mcs", v[B887_MCS], 1},
-                                {"pdsch_rnti_type", v[B887_RNTI], 1},
-                                {"num_layers", layers, 1}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4),
+       modem_stats_pk_int("num_records", v[B887_NUM_RECORDS], 1),
+       modem_stats_pk_int("num_pdsch_status", n, 1), modem_stats_pk_int("mod_type", v[B887_MOD], 1),
+       modem_stats_pk_int("mcs", v[B887_MCS], 1),
+       modem_stats_pk_int("pdsch_rnti_type", v[B887_RNTI], 1),
+       modem_stats_pk_int("num_layers", layers, 1)},
+      87, stat_id, record);
 }
 
 bool modem_stats_parse_b888_diag_log_nr5g_mac_pdsch_stats(uint32_t *stat_id,
@@ -396,17 +391,16 @@ bool modem_stats_parse_b888_diag_log_nr5g_mac_pdsch_stats(uint32_t *stat_id,
       I(version), I(v[B888_NUM_RECORDS]), I(v[B888_PDCP]), I(v[B888_CRC]),
       static_cast<unsigned long>(v[B888_TB_BYTES]));
   const int64_t n = v[B888_NUM_RECORDS];
-  if (n == 0 || !modem_stats_nr5g_count_fits(row->record_start, n, B888_RECORD_SIZE)) {
+  if (!modem_stats_log_records_fit(row->record_start, n, B888_RECORD_SIZE)) {
     return modem_stats_not_valid(n, __func__);
   }
 
-  return modem_stats_nr5g_emit(88,
-                               {{"version", version, 4},
-                                {"num_records", n, 1},
-                                {"num_pdcp_decode", v[B888_PDCP], 4},
-                                {"num_crc_fail", v[B888_CRC], 4},
-                                {"tb_bytes", v[B888_TB_BYTES], 8}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_int("num_records", n, 1),
+       modem_stats_pk_int("num_pdcp_decode", v[B888_PDCP], 4),
+       modem_stats_pk_int("num_crc_fail", v[B888_CRC], 4),
+       modem_stats_pk_int("tb_bytes", v[B888_TB_BYTES], 8)},
+      88, stat_id, record);
 }
 
 bool modem_stats_parse_b88a_diag_log_nr5g_mac_rach_attempt(uint32_t *stat_id,
@@ -428,8 +422,9 @@ bool modem_stats_parse_b88a_diag_log_nr5g_mac_rach_attempt(uint32_t *stat_id,
       0, I(version), I(v[B88A_BITMASK]), I(v[B88A_T_RNTI]), I(v[B88A_TA]), I(v[B88A_RESULT]));
   if (v[B88A_RESULT] >= B88A_NO_RESULT) return modem_stats_not_valid(v[B88A_RESULT], __func__);
 
-  return modem_stats_nr5g_emit(86, {{"version", version, 4}, {"ta", v[B88A_TA], 2}}, stat_id,
-                               record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_int("ta", v[B88A_TA], 2)}, 86,
+      stat_id, record);
 }
 
 bool modem_stats_parse_b8a7_diag_log_nr5g_mac_csf_report(uint32_t *stat_id,
@@ -448,12 +443,11 @@ bool modem_stats_parse_b8a7_diag_log_nr5g_mac_csf_report(uint32_t *stat_id,
   if (v[B8A7_NUM_RECORDS] == 0) return modem_stats_not_valid(v[B8A7_NUM_RECORDS], __func__);
   if (v[B8A7_QUANTITY] != B8A7_CSI_REPORT) return modem_stats_not_valid(v[B8A7_QUANTITY], __func__);
 
-  return modem_stats_nr5g_emit(89,
-                               {{"version", version, 4},
-                                {"num_records", v[B8A7_NUM_RECORDS], 1},
-                                {"metrics_ri", v[B8A7_RI], 1},
-                                {"metrics_cqi", v[B8A7_CQI], 1},
-                                {"bitwidth_ri", v[B8A7_BW_RI], 1},
-                                {"bitwidth_cqi", v[B8A7_BW_CQI], 1}},
-                               stat_id, record);
+  return modem_stats_log_pack({modem_stats_pk_int("version", version, 4),
+                               modem_stats_pk_int("num_records", v[B8A7_NUM_RECORDS], 1),
+                               modem_stats_pk_int("metrics_ri", v[B8A7_RI], 1),
+                               modem_stats_pk_int("metrics_cqi", v[B8A7_CQI], 1),
+                               modem_stats_pk_int("bitwidth_ri", v[B8A7_BW_RI], 1),
+                               modem_stats_pk_int("bitwidth_cqi", v[B8A7_BW_CQI], 1)},
+                              89, stat_id, record);
 }

@@ -84,8 +84,10 @@ bool modem_stats_parse_b975_diag_log_nr5g_mac_ml1_srv_beam(uint32_t *stat_id,
 
   printf("version = %d, rsrp_i = %d, rsrq_i = %d, rsrp = %.2f, rsrq = %.2f\n", I(version),
          I(v[B975_RSRP]), I(v[B975_RSRQ]), rsrp, rsrq);
-  return modem_stats_nr5g_emit(91, {{"version", version, 4}, {"rsrp", rsrp}, {"rsrq", rsrq}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_float("rsrp", rsrp),
+       modem_stats_pk_float("rsrq", rsrq)},
+      91, stat_id, record);
 }
 
 bool modem_stats_parse_b97f_diag_log_nr5g_ml1_meas_database_update_ext(
@@ -98,20 +100,19 @@ bool modem_stats_parse_b97f_diag_log_nr5g_ml1_meas_database_update_ext(
 
   printf("version = %d, num_layers = %d\n", I(version), I(v[B97F_NUM_LAYERS]));
   const int64_t n = v[B97F_NUM_LAYERS];
-  if (n == 0 || !modem_stats_nr5g_count_fits(B97F_LAYERS, n, B97F_LAYER_SIZE)) {
+  if (!modem_stats_log_records_fit(B97F_LAYERS, n, B97F_LAYER_SIZE)) {
     return modem_stats_not_valid(n, __func__);
   }
 
   const uint32_t stat = v[B97F_SERVING_IDX] == 0 ? B97F_STAT_PRIMARY : B97F_STAT_OTHER;
-  return modem_stats_nr5g_emit(
-      stat,
-      {{"version", version, 4},
-       {"num_layers", n, 1},
-       {"arfcn", v[B97F_ARFCN], 4},
-       {"pci", v[B97F_PCI], 2},
-       {"rsrp_rx0", modem_stats_nr5g_rsrp_ex(static_cast<int32_t>(v[B97F_RSRP0]))},
-       {"rsrp_rx1", modem_stats_nr5g_rsrp_ex(static_cast<int32_t>(v[B97F_RSRP1]))}},
-      stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_int("num_layers", n, 1),
+       modem_stats_pk_int("arfcn", v[B97F_ARFCN], 4), modem_stats_pk_int("pci", v[B97F_PCI], 2),
+       modem_stats_pk_float("rsrp_rx0",
+                            modem_stats_nr5g_rsrp_ex(static_cast<int32_t>(v[B97F_RSRP0]))),
+       modem_stats_pk_float("rsrp_rx1",
+                            modem_stats_nr5g_rsrp_ex(static_cast<int32_t>(v[B97F_RSRP1])))},
+      stat, stat_id, record);
 }
 
 bool modem_stats_parse_b981_diag_log_nr5g_ml1_fc_information(uint32_t *stat_id,
@@ -129,15 +130,14 @@ bool modem_stats_parse_b981_diag_log_nr5g_ml1_fc_information(uint32_t *stat_id,
       I(v[B981_TYPE]), I(v[B981_LEVEL_LAST]), I(v[B981_LEVEL_CURRENT]));
   if (v[B981_NUM_ACTION] == 0) return modem_stats_not_valid(v[B981_NUM_ACTION], __func__);
 
-  return modem_stats_nr5g_emit(145,
-                               {{"version", version, 4},
-                                {"state_last", v[B981_STATE_LAST], 1},
-                                {"state_current", v[B981_STATE_CURRENT], 1},
-                                {"num_action", v[B981_NUM_ACTION], 1},
-                                {"action_type", v[B981_TYPE], 1},
-                                {"level_last", v[B981_LEVEL_LAST], 1},
-                                {"level_current", v[B981_LEVEL_CURRENT], 1}},
-                               stat_id, record);
+  return modem_stats_log_pack({modem_stats_pk_int("version", version, 4),
+                               modem_stats_pk_int("state_last", v[B981_STATE_LAST], 1),
+                               modem_stats_pk_int("state_current", v[B981_STATE_CURRENT], 1),
+                               modem_stats_pk_int("num_action", v[B981_NUM_ACTION], 1),
+                               modem_stats_pk_int("action_type", v[B981_TYPE], 1),
+                               modem_stats_pk_int("level_last", v[B981_LEVEL_LAST], 1),
+                               modem_stats_pk_int("level_current", v[B981_LEVEL_CURRENT], 1)},
+                              145, stat_id, record);
 }
 
 bool modem_stats_parse_b98f_diag_log_nr5g_ml1_antenna_switch_diversity(

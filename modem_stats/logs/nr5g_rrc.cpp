@@ -78,17 +78,13 @@ bool modem_stats_parse_b823_diag_log_nr5g_rrc_serving_cell_info(uint32_t *stat_i
          I(v[B823_MCC]), I(v[B823_MNC_NUM]), I(v[B823_MNC]), I(v[B823_TAC]),
          static_cast<unsigned long>(v[B823_CGI]), I(v[B823_PCI]));
 
-  return modem_stats_nr5g_emit(130,
-                               {{"version", version, 4},
-                                {"pci", v[B823_PCI], 2},
-                                {"dl_arfcn", v[B823_ARFCN], 4},
-                                {"cgi", v[B823_CGI], 8},
-                                {"mcc", v[B823_MCC], 2},
-                                {"mnc_num", v[B823_MNC_NUM], 1},
-                                {"mnc", v[B823_MNC], 2},
-                                {"tac", v[B823_TAC], 4},
-                                {"band", v[B823_BAND], 2}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4), modem_stats_pk_int("pci", v[B823_PCI], 2),
+       modem_stats_pk_int("dl_arfcn", v[B823_ARFCN], 4), modem_stats_pk_int("cgi", v[B823_CGI], 8),
+       modem_stats_pk_int("mcc", v[B823_MCC], 2), modem_stats_pk_int("mnc_num", v[B823_MNC_NUM], 1),
+       modem_stats_pk_int("mnc", v[B823_MNC], 2), modem_stats_pk_int("tac", v[B823_TAC], 4),
+       modem_stats_pk_int("band", v[B823_BAND], 2)},
+      130, stat_id, record);
 }
 
 bool modem_stats_parse_b825_diag_log_nr5g_rrc_configuration_info(uint32_t *stat_id,
@@ -105,12 +101,12 @@ bool modem_stats_parse_b825_diag_log_nr5g_rrc_configuration_info(uint32_t *stat_
       I(version), I(v[B825_GROUPS]), I(v[B825_NRDC_GROUPS]), I(v[B825_ACTIVE_CC]),
       I(v[B825_NRDC_ACTIVE_CC]), I(v[B825_ACTIVE_RB]));
 
-  return modem_stats_nr5g_emit(97,
-                               {{"version", version, 4},
-                                {"num_contiguous_cc_groups", v[B825_GROUPS], 1},
-                                {"num_nrdc_scg_contiguous_cc_groups", v[B825_NRDC_GROUPS], 1},
-                                {"num_active_cc", v[B825_ACTIVE_CC], 1},
-                                {"num_nrdc_scg_active_cc", v[B825_NRDC_ACTIVE_CC], 1},
-                                {"num_active_rb", v[B825_ACTIVE_RB], 1}},
-                               stat_id, record);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 4),
+       modem_stats_pk_int("num_contiguous_cc_groups", v[B825_GROUPS], 1),
+       modem_stats_pk_int("num_nrdc_scg_contiguous_cc_groups", v[B825_NRDC_GROUPS], 1),
+       modem_stats_pk_int("num_active_cc", v[B825_ACTIVE_CC], 1),
+       modem_stats_pk_int("num_nrdc_scg_active_cc", v[B825_NRDC_ACTIVE_CC], 1),
+       modem_stats_pk_int("num_active_rb", v[B825_ACTIVE_RB], 1)},
+      97, stat_id, record);
 }
