@@ -36,6 +36,13 @@ std::string invalid(long value, const char *parser, uint16_t code) {
 
 constexpr uint32_t NONE = 146;
 
+// A packet that prints its summary and is then stopped by the validity gate
+// with `value`.
+modem_stats_golden gated(uint16_t code, const char *what, std::vector<uint8_t> payload,
+                         const std::string &summary, long value, const char *parser) {
+  return {code, what, std::move(payload), summary + invalid(value, parser, code), NONE, {}};
+}
+
 const char *const B823 = "modem_stats_parse_b823_diag_log_nr5g_rrc_serving_cell_info";
 const char *const B825 = "modem_stats_parse_b825_diag_log_nr5g_rrc_configuration_info";
 const char *const B872 = "modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb";
@@ -97,9 +104,6 @@ std::vector<modem_stats_golden> make() {
                std::string("version = 196608, ") + B823_LINE, 130, b823_record(0x30000)});
   g.push_back({0xB823, "v0x30002", b823_cell(0x30002, 7, 17, 29, 37, 39, 40, 43, 47),
                std::string("version = 196610, ") + B823_LINE, 130, b823_record(0x30002)});
-  g.push_back({0xB823, "v0x30003", b823_cell(0x30003, 7, 17, 29, 37, 39, 40, 43, 47),
-               std::string("version = 196611, ") + B823_LINE, 130, b823_record(0x30003)});
-  g.push_back({0xB823, "v0x30001 refused", pkt(0x30001), refused(0x30001, B823, 0xB823), NONE, {}});
 
   // ---- 0xB825 configuration ----
   //   0x8/0xA/0x20000: P+58 groups | P+59 active_cc | P+60 active_rb (no NR-DC counts)
@@ -122,7 +126,6 @@ std::vector<modem_stats_golden> make() {
        "version = 196614, num_contiguous_cc_groups = 2, num_nrdc_scg_contiguous_cc_groups = 1, "
        "num_active_cc = 3, num_nrdc_scg_active_cc = 1, num_active_rb = 5\n",
        97, rec(0x30006).u(2, 1).u(1, 1).u(3, 1).u(1, 1).u(5, 1)});
-  g.push_back({0xB825, "v0x30005 refused", pkt(0x30005), refused(0x30005, B825, 0xB825), NONE, {}});
 
   // ---- 0xB872 uplink transport blocks ----
   // 0x30008: P+4 num_tti u8; TTIs from P+8: +2 SFN (10 bits) | +4 TB count (4 bits) | TBs:
@@ -166,24 +169,15 @@ std::vector<modem_stats_golden> make() {
            .le(46, 20, 4),
        "NR5G FSSR: [1023][1023], grant = 40, build = 30, sfn_grant = 100.00, sfn_full = 75.00\n",
        115, rec(0x4).u(1023, 2).u(1023, 2).u(40, 4).u(30, 4).f32(100.0f).f32(75.0f)});
-  g.push_back({0xB872,
-               "no TTI",
-               pkt(0x30008),
-               "NR5G FSSR: [0][0], grant = 0, build = 0, sfn_grant = 0.00, sfn_full = 0.00\n" +
-                   invalid(0, B872, 0xB872),
-               NONE,
-               {}});
+  g.push_back(gated(0xB872, "no TTI", pkt(0x30008),
+                    "NR5G FSSR: [0][0], grant = 0, build = 0, sfn_grant = 0.00, sfn_full = 0.00\n",
+                    0, B872));
   // Every byte 0xff: 255 TTIs of 15 TBs of 87 bytes; the walk leaves the
   // readable area in TTI 1 (after 15 + 8 TBs, sums wrap in 32 bits).
-  g.push_back(
-      {0xB872,
-       "runs out of the readable area",
-       fill(pkt(0x30008), 4, 2000, 0xff),
-       "NR5G FSSR: [1023][1023], grant = -23, build = -23, sfn_grant = 0.78, sfn_full = 100.00\n" +
-           invalid(255, B872, 0xB872),
-       NONE,
-       {}});
-  g.push_back({0xB872, "v0x30007 refused", pkt(0x30007), refused(0x30007, B872, 0xB872), NONE, {}});
+  g.push_back(gated(
+      0xB872, "runs out of the readable area", fill(pkt(0x30008), 4, 2000, 0xff),
+      "NR5G FSSR: [1023][1023], grant = -23, build = -23, sfn_grant = 0.78, sfn_full = 100.00\n",
+      255, B872));
 
   // ---- 0xB884 uplink power control ----
   // P+7 num_records | 32-byte records from P+8: +4 num_carriers |
@@ -199,28 +193,15 @@ std::vector<modem_stats_golden> make() {
                "version = 196613, num_records = 2, num_carriers = 1, tx_power_pusch = 23, "
                "tx_power_pucch = -5, tx_power_srs = 10, tx_power_prach = -40\n",
                90, rec(0x30005).u(2, 1).u(1, 1).u(23, 2).u(0xfffb, 2).u(10, 2).u(0xffd8, 2)});
-  g.push_back({0xB884,
-               "no record",
-               pkt(0x30005).le(12, 1, 1),
-               "version = 196613, num_records = 0, num_carriers = 1, tx_power_pusch = 0, "
-               "tx_power_pucch = 0, tx_power_srs = 0, tx_power_prach = 0\n" +
-                   invalid(0, B884, 0xB884),
-               NONE,
-               {}});
   // 62 records end at P+1992; 63 would not fit.
-  g.push_back({0xB884,
-               "63 records cannot fit",
-               pkt(0x30005).le(7, 63, 1),
-               "version = 196613, num_records = 63, num_carriers = 0, tx_power_pusch = 0, "
-               "tx_power_pucch = 0, tx_power_srs = 0, tx_power_prach = 0\n" +
-                   invalid(63, B884, 0xB884),
-               NONE,
-               {}});
+  g.push_back(gated(0xB884, "63 records cannot fit", pkt(0x30005).le(7, 63, 1),
+                    "version = 196613, num_records = 63, num_carriers = 0, tx_power_pusch = 0, "
+                    "tx_power_pucch = 0, tx_power_srs = 0, tx_power_prach = 0\n",
+                    63, B884));
   g.push_back({0xB884, "62 records fit", pkt(0x30005).le(7, 62, 1),
                "version = 196613, num_records = 62, num_carriers = 0, tx_power_pusch = 0, "
                "tx_power_pucch = 0, tx_power_srs = 0, tx_power_prach = 0\n",
                90, rec(0x30005).u(62, 1).u(0, 1).u(0, 8)});
-  g.push_back({0xB884, "v0x30004 refused", pkt(0x30004), refused(0x30004, B884, 0xB884), NONE, {}});
 
   // ---- 0xB885 DCI ----
   // 0x20005: P+15 num_records | P+20 DCI count | DCIs from P+24: u16 header (format bits 7-8)
@@ -250,26 +231,13 @@ std::vector<modem_stats_golden> make() {
        pkt(0x30009).le(7, 1, 1).le(8, 1, 1).le(37, 9, 1).le(40, 0xfc93e0, 3).le(72, 0x3e, 1),
        "version = 196617, num_records = 1, mcs_dl = 30, mcs_ul = 9, rb_assi_num = 300000\n", 85,
        rec(0x30009).u(1, 1).u(30, 1).u(9, 1).u(300000, 4)});
-  g.push_back({0xB885, "v0x20005 uplink only",
-               pkt(0x20005).le(15, 1, 1).le(20, 1, 1).le(24, 0, 2).le(40, 6 << 7, 3).le(44, 50, 2),
-               "version = 131077, num_records = 1, mcs_dl = 0, mcs_ul = 6, rb_assi_num = 50\n", 85,
-               rec(0x20005).u(1, 1).u(0, 1).u(6, 1).u(50, 4)});
-  g.push_back({0xB885,
-               "no record",
-               pkt(0x30009),
-               "version = 196617, num_records = 0, mcs_dl = 0, mcs_ul = 0, rb_assi_num = 0\n" +
-                   invalid(0, B885, 0xB885),
-               NONE,
-               {}});
+  g.push_back(gated(0xB885, "no record", pkt(0x30009),
+                    "version = 196617, num_records = 0, mcs_dl = 0, mcs_ul = 0, rb_assi_num = 0\n",
+                    0, B885));
   // 50 uplink DCIs of 40 bytes from P+16 end past the readable area.
-  g.push_back({0xB885,
-               "uplink DCIs cannot fit",
-               pkt(0x30009).le(7, 1, 1).le(8, 50, 1),
-               "version = 196617, num_records = 1, mcs_dl = 0, mcs_ul = 0, rb_assi_num = 0\n" +
-                   invalid(50, B885, 0xB885),
-               NONE,
-               {}});
-  g.push_back({0xB885, "v0x30008 refused", pkt(0x30008), refused(0x30008, B885, 0xB885), NONE, {}});
+  g.push_back(gated(0xB885, "uplink DCIs cannot fit", pkt(0x30009).le(7, 1, 1).le(8, 50, 1),
+                    "version = 196617, num_records = 1, mcs_dl = 0, mcs_ul = 0, rb_assi_num = 0\n",
+                    50, B885));
 
   // ---- 0xB887 PDSCH status ----
   // 0x30003: P+7 num_records | P+12 num_pdsch_status | entry from P+16; 0x5: P+15, P+20, P+24.
@@ -291,30 +259,14 @@ std::vector<modem_stats_golden> make() {
        "version = 5, num_records = 2, num_pdsch_status = 1, mod_type = 12, mcs = 4, "
        "pdsch_rnti_type = 0, num_layers = 4\n",
        87, rec(0x5).u(2, 1).u(1, 1).u(12, 1).u(4, 1).u(0, 1).u(4, 1)});
-  g.push_back({0xB887,
-               "no status entry",
-               pkt(0x5).le(15, 1, 1),
-               "version = 5, num_records = 1, num_pdsch_status = 0, mod_type = 0, mcs = 0, "
-               "pdsch_rnti_type = 0, num_layers = 1\n" +
-                   invalid(0, B887, 0xB887),
-               NONE,
-               {}});
-  g.push_back({0xB887,
-               "entries cannot fit",
-               pkt(0x5).le(15, 1, 1).le(20, 255, 1),
-               "version = 5, num_records = 1, num_pdsch_status = 255, mod_type = 0, mcs = 0, "
-               "pdsch_rnti_type = 0, num_layers = 1\n" +
-                   invalid(255, B887, 0xB887),
-               NONE,
-               {}});
-  g.push_back({0xB887,
-               "no record",
-               pkt(0x30003).le(12, 1, 1),
-               "version = 196611, num_records = 0, num_pdsch_status = 1, mod_type = 0, mcs = 0, "
-               "pdsch_rnti_type = 0, num_layers = 1\n" +
-                   invalid(0, B887, 0xB887),
-               NONE,
-               {}});
+  g.push_back(gated(0xB887, "no status entry", pkt(0x5).le(15, 1, 1),
+                    "version = 5, num_records = 1, num_pdsch_status = 0, mod_type = 0, mcs = 0, "
+                    "pdsch_rnti_type = 0, num_layers = 1\n",
+                    0, B887));
+  g.push_back(gated(0xB887, "entries cannot fit", pkt(0x5).le(15, 1, 1).le(20, 255, 1),
+                    "version = 5, num_records = 1, num_pdsch_status = 255, mod_type = 0, mcs = 0, "
+                    "pdsch_rnti_type = 0, num_layers = 1\n",
+                    255, B887));
 
   // ---- 0xB888 PDSCH statistics ----
   // 0x20002: P+15 num_records | 72-byte records from P+28: +8 pdcp u32 | +16 crc u32 |
@@ -330,23 +282,15 @@ std::vector<modem_stats_golden> make() {
                "version = 196609, num_records = 1, num_pdcp_decode = 7, num_crc_fail = 0, "
                "tb_bytes = 123456\n",
                88, rec(0x30001).u(1, 1).u(7, 4).u(0, 4).u(123456, 8)});
-  g.push_back({0xB888,
-               "v0x30000 no record",
-               pkt(0x30000).le(28, 7, 4).le(68, 123456, 8),
-               "version = 196608, num_records = 0, num_pdcp_decode = 7, num_crc_fail = 0, "
-               "tb_bytes = 123456\n" +
-                   invalid(0, B888, 0xB888),
-               NONE,
-               {}});
+  g.push_back(gated(0xB888, "v0x30000 no record", pkt(0x30000).le(28, 7, 4).le(68, 123456, 8),
+                    "version = 196608, num_records = 0, num_pdcp_decode = 7, num_crc_fail = 0, "
+                    "tb_bytes = 123456\n",
+                    0, B888));
   // 27 records from P+28 end at P+1972; 28 would not fit.
-  g.push_back({0xB888,
-               "28 records cannot fit",
-               pkt(0x20002).le(15, 28, 1),
-               "version = 131074, num_records = 28, num_pdcp_decode = 0, num_crc_fail = 0, "
-               "tb_bytes = 0\n" +
-                   invalid(28, B888, 0xB888),
-               NONE,
-               {}});
+  g.push_back(gated(0xB888, "28 records cannot fit", pkt(0x20002).le(15, 28, 1),
+                    "version = 131074, num_records = 28, num_pdcp_decode = 0, num_crc_fail = 0, "
+                    "tb_bytes = 0\n",
+                    28, B888));
 
   // ---- 0xB88A random access ----
   // 0x20007 (and 0x20003/6/9): P+21 rach_result | P+23 bitmask | blocks from P+28: Msg1 28 bytes,
@@ -371,15 +315,11 @@ std::vector<modem_stats_golden> make() {
                "sub_id = 0, version = 131075, rach_msg_bitmask = 1, t_rnti = 65535, ta = 65535, "
                "rach_result = 0\n",
                86, rec(0x20003).u(65535, 2)});
-  g.push_back({0xB88A,
-               "v0x30000 no result",
-               pkt(0x30000).le(14, 255, 1),
-               "sub_id = 0, version = 196608, rach_msg_bitmask = 0, t_rnti = 65535, ta = 65535, "
-               "rach_result = 255\n" +
-                   invalid(255, B88A, 0xB88A),
-               NONE,
-               {}});
-  g.push_back({0xB88A, "v0x20008 refused", pkt(0x20008), refused(0x20008, B88A, 0xB88A), NONE, {}});
+  g.push_back(
+      gated(0xB88A, "v0x30000 no result", pkt(0x30000).le(14, 255, 1),
+            "sub_id = 0, version = 196608, rach_msg_bitmask = 0, t_rnti = 65535, ta = 65535, "
+            "rach_result = 255\n",
+            255, B88A));
 
   // ---- 0xB8A7 CSI report ----
   // P+7 (0x30005) / P+15 (0x20001) num_records | P+26 report quantity (23 = CSI) |
@@ -397,24 +337,11 @@ std::vector<modem_stats_golden> make() {
        "version = 196613, num_records = 1, metrics_ri = 1, metrics_cqi = 13, bitwidth_ri = 2, "
        "bitwidth_cqi = 4\n",
        89, rec(0x30005).u(1, 1).u(1, 1).u(13, 1).u(2, 1).u(4, 1)});
-  g.push_back(
-      {0xB8A7,
-       "v0x20001 not a CSI report",
-       pkt(0x20001).le(15, 2, 1).le(26, 22, 1).bits(259, 3, 2),
-       "version = 131073, num_records = 2, metrics_ri = 3, metrics_cqi = 0, bitwidth_ri = 0, "
-       "bitwidth_cqi = 0\n" +
-           invalid(22, B8A7, 0xB8A7),
-       NONE,
-       {}});
-  g.push_back(
-      {0xB8A7,
-       "no record",
-       pkt(0x20001).le(26, 23, 1),
-       "version = 131073, num_records = 0, metrics_ri = 0, metrics_cqi = 0, bitwidth_ri = 0, "
-       "bitwidth_cqi = 0\n" +
-           invalid(0, B8A7, 0xB8A7),
-       NONE,
-       {}});
+  g.push_back(gated(
+      0xB8A7, "v0x20001 not a CSI report", pkt(0x20001).le(15, 2, 1).le(26, 22, 1).bits(259, 3, 2),
+      "version = 131073, num_records = 2, metrics_ri = 3, metrics_cqi = 0, bitwidth_ri = 0, "
+      "bitwidth_cqi = 0\n",
+      22, B8A7));
 
   // ---- 0xB8C9 AGC ----
   // P+16 code (4 = AGC) | P+17 block size: chains = (size - 16) / 32, at most 4 |
@@ -440,13 +367,9 @@ std::vector<modem_stats_golden> make() {
                    .le(160, 1234, 2),
                "version = 131072, version_agc_sub = 0, code = 4, only support code - 4\n", 94,
                rec(0x20000).f32(0.0f).f32(0.5f).f32(-513.0f).f32(-10.0f)});
-  g.push_back({0xB8C9,
-               "not the AGC code",
-               pkt(0x20000).le(16, 5, 1).le(17, 48, 1),
-               "version = 131072, version_agc_sub = 0, code = 5, only support code - 4\n" +
-                   invalid(5, B8C9, 0xB8C9),
-               NONE,
-               {}});
+  g.push_back(gated(0xB8C9, "not the AGC code", pkt(0x20000).le(16, 5, 1).le(17, 48, 1),
+                    "version = 131072, version_agc_sub = 0, code = 5, only support code - 4\n", 5,
+                    B8C9));
 
   // ---- 0xB8D2 transmit power ----
   // P+4 version_power | P+5 loop_num | 8-byte entries from P+8: +1 channel (0 PUSCH) |
@@ -477,25 +400,16 @@ std::vector<modem_stats_golden> make() {
        "pusch_mtpl = 0\n",
        99, rec(0x20000).u(2, 1).u(1, 1).u(0, 6)});
   g.push_back(
-      {0xB8D2,
-       "no entry",
-       pkt(0x20000).le(4, 2, 1),
-       "version = 131072, version_power = 2, loop_num = 0, pusch_tx = 0, pusch_path_loss = 0, "
-       "pusch_mtpl = 0\n" +
-           invalid(0, B8D2, 0xB8D2),
-       NONE,
-       {}});
+      gated(0xB8D2, "no entry", pkt(0x20000).le(4, 2, 1),
+            "version = 131072, version_power = 2, loop_num = 0, pusch_tx = 0, pusch_path_loss = 0, "
+            "pusch_mtpl = 0\n",
+            0, B8D2));
   // 249 entries end at P+2000; 250 would not fit.
-  g.push_back(
-      {0xB8D2,
-       "250 entries cannot fit",
-       fill(pkt(0x20000), 8, 2000, 1).le(5, 250, 1),
-       "version = 131072, version_power = 0, loop_num = 250, pusch_tx = 0, pusch_path_loss = 0, "
-       "pusch_mtpl = 0\n" +
-           invalid(250, B8D2, 0xB8D2),
-       NONE,
-       {}});
-  g.push_back({0xB8D2, "v0x30000 refused", pkt(0x30000), refused(0x30000, B8D2, 0xB8D2), NONE, {}});
+  g.push_back(gated(
+      0xB8D2, "250 entries cannot fit", fill(pkt(0x20000), 8, 2000, 1).le(5, 250, 1),
+      "version = 131072, version_power = 0, loop_num = 250, pusch_tx = 0, pusch_path_loss = 0, "
+      "pusch_mtpl = 0\n",
+      250, B8D2));
 
   // ---- 0xB8D8 / 0xB8DD serving SNR ----
   // Raw u32 per chain (x / 1024 as a power ratio): 1024 = 0 dB, 10240 = 10 dB, 0 = no value
@@ -504,12 +418,10 @@ std::vector<modem_stats_golden> make() {
                pkt(0x30002).le(12, 1024, 4).le(16, 10240, 4).le(20, 0, 4).le(24, 0x80000000, 4),
                "version = 196610, snr0 = 1024, snr1 = 10240, snr2 = 0, snr3 = -2147483648\n", 137,
                rec(0x30002).f32(0.0f).f32(10.0f).f32(65535.0f).f32(63.22f)});
-  g.push_back({0xB8D8, "v0x30003 refused", pkt(0x30003), refused(0x30003, B8D8, 0xB8D8), NONE, {}});
   g.push_back({0xB8DD, "v0x7",
                pkt(0x7).le(12, 1, 4).le(76, 1024, 4).le(80, 10240, 4).le(84, 0, 4).le(88, 512, 4),
                "version = 7, snr0 = 0.00, snr1 = 10.00, snr2 = 65535.00, snr3 = -3.01\n", 112,
                rec(0x7).f32(0.0f).f32(10.0f).f32(65535.0f).f32(-3.01f)});
-  g.push_back({0xB8DD, "v0x8 refused", pkt(0x8), refused(0x8, B8DD, 0xB8DD), NONE, {}});
 
   // ---- 0xB975 serving beam ----
   // P+12 rsrp_i s32 | P+16 rsrq_i s32, both 1/128 dB
@@ -519,7 +431,6 @@ std::vector<modem_stats_golden> make() {
                    .le(16, static_cast<uint32_t>(-1409), 4),
                "version = 131073, rsrp_i = -12817, rsrq_i = -1409, rsrp = -100.13, rsrq = -11.01\n",
                91, rec(0x20001).f32(-100.13f).f32(-11.01f)});
-  g.push_back({0xB975, "v0x20002 refused", pkt(0x20002), refused(0x20002, B975, 0xB975), NONE, {}});
 
   // ---- 0xB97F measurement database ----
   // P+4 num_layers | first layer from P+16: +0 arfcn u32 | +5 serving cell index | +6 pci u16 |
@@ -538,18 +449,8 @@ std::vector<modem_stats_golden> make() {
                pkt(0x20007).le(4, 2, 1).le(16, 156510, 4).le(21, 255, 1).le(22, 0xffff, 2),
                "version = 131079, num_layers = 2\n", 140,
                rec(0x20007).u(2, 1).u(156510, 4).u(0xffff, 2).f32(65535.0f).f32(65535.0f)});
-  g.push_back({0xB97F,
-               "no layer",
-               pkt(0x20007),
-               "version = 131079, num_layers = 0\n" + invalid(0, B97F, 0xB97F),
-               NONE,
-               {}});
-  g.push_back({0xB97F,
-               "v0x20009 refused",
-               pkt(0x20009).le(4, 1, 1),
-               refused(0x20009, B97F, 0xB97F),
-               NONE,
-               {}});
+  g.push_back(
+      gated(0xB97F, "no layer", pkt(0x20007), "version = 131079, num_layers = 0\n", 0, B97F));
 
   // ---- 0xB981 flow control ----
   // P+4 state_last | P+5 state_current | P+6 num_action |
@@ -561,15 +462,10 @@ std::vector<modem_stats_golden> make() {
        "level_last = 4, level_current = 5\n",
        145, rec(0x20000).u(1, 1).u(2, 1).u(1, 1).u(3, 1).u(4, 1).u(5, 1)});
   g.push_back(
-      {0xB981,
-       "no action",
-       pkt(0x20000).le(4, 1, 1).le(5, 2, 1),
-       "version = 131072, state_last = 1, state_current = 2, num_action = 0, action_type = 0, "
-       "level_last = 0, level_current = 0\n" +
-           invalid(0, B981, 0xB981),
-       NONE,
-       {}});
-  g.push_back({0xB981, "v0x10000 refused", pkt(0x10000), refused(0x10000, B981, 0xB981), NONE, {}});
+      gated(0xB981, "no action", pkt(0x20000).le(4, 1, 1).le(5, 2, 1),
+            "version = 131072, state_last = 1, state_current = 2, num_action = 0, action_type = 0, "
+            "level_last = 0, level_current = 0\n",
+            0, B981));
 
   // ---- 0xB98F antenna switch diversity ----
   // Six 24-byte chain blocks from P+32 (rx 0..3, tx 0..1): old antenna at +20, new at +23
@@ -582,7 +478,6 @@ std::vector<modem_stats_golden> make() {
                "version = 131074, ant_rx_0_old = 1, ant_rx_0_new = 2, ant_rx_1_old = 3, "
                "ant_rx_1_new = 4, ant_rx_2_old = 5, ant_rx_2_new = 6\n",
                113, b98f_rec});
-  g.push_back({0xB98F, "v0x20001 refused", pkt(0x20001), refused(0x20001, B98F, 0xB98F), NONE, {}});
 
   // The category-7 self-test packet: its version word 0x40009 is no NR version.
   for (const auto &[code, parser] : {std::pair{0xB823, B823},
