@@ -26,6 +26,7 @@ constexpr modem_stats_nr5g_layout<B8C9_N> k_b8c9[] = {
 // clang-format on
 constexpr int B8C9_AGC_CODE = 4;
 constexpr int B8C9_CHAINS = 4;
+constexpr int B8C9_BLOCK_HEADER = 16;
 constexpr int B8C9_CHAIN_SIZE = 32;
 
 // 0xB8D2 transmit power, provisional (no public definition): a header and
@@ -81,9 +82,9 @@ bool modem_stats_parse_b8c9_diag_log_nr5g_ll1_fw_rx_control_agc(uint32_t *stat_i
   int64_t v[B8C9_RSSI];
   if (!modem_stats_nr5g_read_all(std::span(row->f, B8C9_RSSI), 0, v)) return false;
 
-  // The chain blocks follow a 16-byte header inside a block whose size the
-  // packet gives; absent chains stay 0.0.
-  int64_t chains = (v[B8C9_CHAIN_BYTES] - 16) / B8C9_CHAIN_SIZE;
+  // The size byte counts a 16-byte block header and the 32-byte chain blocks;
+  // chains the packet does not carry stay 0.0.
+  int64_t chains = (v[B8C9_CHAIN_BYTES] - B8C9_BLOCK_HEADER) / B8C9_CHAIN_SIZE;
   if (chains > B8C9_CHAINS) chains = B8C9_CHAINS;
   float rssi[B8C9_CHAINS] = {};
   for (int e = 0; e < chains; ++e) {

@@ -315,7 +315,9 @@ bool modem_stats_parse_b885_diag_log_nr5g_mac_dci_info(uint32_t *stat_id,
       at += uplink ? row->ul_size : row->dl_size;
     }
   } else {
-    // Uplink DCIs first, then downlink ones.
+    // Uplink DCIs first, then downlink ones. The packet counts only the
+    // uplink ones, so the first downlink DCI is read where it would start;
+    // when the packet ends before it, that is the zero padding.
     valid = valid && dcis_fit(row->ul_size);
     int dl_at = row->dci_start + static_cast<int>(num_dci) * row->ul_size;
     if (valid && num_dci > 0) {
