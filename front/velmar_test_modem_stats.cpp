@@ -7,6 +7,7 @@
 #include "front/velmar_handlers.h"
 #include "front/velmar_help.h"
 #include "modem_stats/modem_stats_dispatch.h"
+#include "velmar_extend_qmi/velmar_extend_cmn_stats.h"
 
 int32_t velmar_test_modem_stats_do(int argc, char **argv) {
   if (argc < 3) {
@@ -23,8 +24,7 @@ int32_t velmar_test_modem_stats_do(int argc, char **argv) {
     if (velmar_test_modem_stats_log_or_event(argc, argv) != 0) return 0;
     puts("velmar_test_modem_stats_log_or_event FAIL");
   } else if (type == VELMAR_STATS_TYPE_DEBUG) {
-    // Not connected yet: the debug query waits for the host QMI library, so
-    // the command takes its failure path.
+    if (velmar_test_modem_stats_get_debug_info(argc, argv) != 0) return 0;
     puts("velmar_test_modem_stats_get_debug_info FAIL");
   } else {
     printf("invalid type = %d\n", type);

@@ -83,6 +83,14 @@ int32_t velmar_cmn_cmd_send(int32_t t, uint32_t l, const uint8_t *v) {
   return result;
 }
 
+int32_t velmar_common_qmi_req(const void *req, int32_t req_len, void *rsp, uint32_t *rsp_len) {
+  VELMAR_LOG_LN("function entry ------------->");
+  const int32_t result =
+      velmar_extend_qmi_send_sync(VELMAR_REQUEST_ID_COMMON, req, req_len, rsp, rsp_len);
+  VELMAR_LOG_LN("function exit <-------------");
+  return result;
+}
+
 void velmar_qcril_qmi_client_common_empty_unsol_ind_cb(qmi_client_type /*handle*/,
                                                        unsigned int msg_id, void * /*ind_buf*/,
                                                        unsigned int /*ind_buf_len*/,

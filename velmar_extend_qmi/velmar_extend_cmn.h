@@ -21,6 +21,10 @@ void velmar_send_common_qmi_msg(int32_t t, uint32_t l, const uint8_t *v, velmar_
 // process as above. Returns the result of velmar_extend_qmi_send_sync.
 int32_t velmar_cmn_cmd_send(int32_t t, uint32_t l, const uint8_t *v);
 
+// Sends a prepared request id 4 record of req_len bytes and logs the exchange;
+// returns the result of velmar_extend_qmi_send_sync (*rsp_len as there).
+int32_t velmar_common_qmi_req(const void *req, int32_t req_len, void *rsp, uint32_t *rsp_len);
+
 // Indication callback for clients of other services: logs the message id only.
 void velmar_qcril_qmi_client_common_empty_unsol_ind_cb(qmi_client_type handle, unsigned int msg_id,
                                                        void *ind_buf, unsigned int ind_buf_len,

@@ -1,0 +1,2 @@
+# No mask: the query refuses, the command prints FAIL and its help.
+args: 7 2
