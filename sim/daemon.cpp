@@ -29,21 +29,27 @@ constexpr auto kDirCheckPeriod = std::chrono::seconds(1);
 int listen_at(const std::string &path, std::string *error) {
   sockaddr_un addr{};
   addr.sun_family = AF_UNIX;
-  if (path.size() >= sizeof addr.sun_path) {
-    *error = "socket path too long: " + path;
-    return -1;
-  }
-  memcpy(addr.sun_path, path.c_str(), path.size() + 1);
   int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   if (fd < 0) {
     *error = std::string("socket: ") + strerror(errno);
     return -1;
   }
-  // Only the lock holder gets here, so a file already there is a leftover.
-  unlink(path.c_str());
-  if (bind(fd, reinterpret_cast<sockaddr *>(&addr), sizeof addr) != 0 || listen(fd, 64) != 0) {
+  // Clients take the socket file for a listening service: it is bound under
+  // another name and moved into place once it listens. Only the lock holder
+  // gets here, so files already there are leftovers.
+  const std::string staging = path + ".new";
+  if (staging.size() >= sizeof addr.sun_path) {
+    *error = "socket path too long: " + staging;
+    close(fd);
+    return -1;
+  }
+  memcpy(addr.sun_path, staging.c_str(), staging.size() + 1);
+  unlink(staging.c_str());
+  if (bind(fd, reinterpret_cast<sockaddr *>(&addr), sizeof addr) != 0 || listen(fd, 64) != 0 ||
+      rename(staging.c_str(), path.c_str()) != 0) {
     *error = "cannot listen at " + path + ": " + strerror(errno);
     close(fd);
+    unlink(staging.c_str());
     return -1;
   }
   return fd;

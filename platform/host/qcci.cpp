@@ -74,16 +74,29 @@ void add_handle(qmi_client_type h) {
   g_handles.insert(h);
 }
 
+// Signal objects already set up here. A caller that opens again after a
+// failed init passes the same object while the first notifier still uses it:
+// it is reset, never initialised twice.
+std::set<qmi_client_os_params *> g_signals;
+
+// Returns true the first time it sees `os`.
+bool first_use_of(qmi_client_os_params *os) {
+  std::lock_guard<std::mutex> lock(g_handles_mu);
+  return g_signals.insert(os).second;
+}
+
 bool remove_handle(qmi_client_type h) {
   std::lock_guard<std::mutex> lock(g_handles_mu);
   return g_handles.erase(h) != 0;
 }
 
+// The daemon puts a service's socket in place only once it listens and
+// removes it before it stops listening; a killed daemon's leftover socket is
+// told apart by the daemon's lock. So no probe connection is needed.
 bool service_up(uint32_t service_id) {
-  int fd = rpk_qmi::connect_service(service_id);
-  if (fd < 0) return false;
-  close(fd);
-  return true;
+  struct stat st {};
+  return stat(rpk_qmi::service_socket_path(service_id).c_str(), &st) == 0 && S_ISSOCK(st.st_mode) &&
+         rpk_host::modem_sim_running();
 }
 
 void set_signal(qmi_client_os_params *os) {
@@ -215,13 +228,17 @@ qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object_type servi
     return QMI_CLIENT_PARAM_ERR;
   }
   rpk_host::ensure_modem_sim();
-  pthread_condattr_init(&os_params->attr);
-  pthread_condattr_setclock(&os_params->attr, CLOCK_MONOTONIC);
-  pthread_cond_init(&os_params->cond, &os_params->attr);
-  pthread_mutex_init(&os_params->mutex, nullptr);
+  if (first_use_of(os_params)) {
+    pthread_condattr_init(&os_params->attr);
+    pthread_condattr_setclock(&os_params->attr, CLOCK_MONOTONIC);
+    pthread_cond_init(&os_params->cond, &os_params->attr);
+    pthread_mutex_init(&os_params->mutex, nullptr);
+    os_params->clock = CLOCK_MONOTONIC;
+  }
+  pthread_mutex_lock(&os_params->mutex);
   os_params->sig_set = 0;
   os_params->timed_out = 0;
-  os_params->clock = CLOCK_MONOTONIC;
+  pthread_mutex_unlock(&os_params->mutex);
 
   auto *h = new qmi_client_struct;
   h->kind = qmi_client_struct::Kind::kNotifier;

@@ -12,6 +12,7 @@
 #include <sstream>
 #include <thread>
 
+#include "modem_sim_link.h"
 #include "rpk_host.h"
 #include "sim_fixture.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
@@ -143,8 +144,9 @@ int efs_write(qmi_client_type h, const std::string &path, const std::string &con
 
 std::string nv_value(qmi_client_type h, uint8_t sub, uint16_t item) {
   velmar_extend_qmi_msg_v01 resp;
-  if (exchange(h, 2, nv_read_record(sub, item), &resp) != 0 || le32(resp.data + 16) != 0) {
-    return "<error>";
+  const int rc = exchange(h, 2, nv_read_record(sub, item), &resp);
+  if (rc != 0 || le32(resp.data + 16) != 0) {
+    return "<error " + std::to_string(rc) + " " + std::to_string(le32(resp.data + 16)) + ">";
   }
   return std::string(reinterpret_cast<const char *>(resp.data + 20),
                      static_cast<size_t>(le32(resp.data + 4)));
@@ -413,6 +415,10 @@ TEST_F(QcciSimTest, KillDuringWritesLosesNothingAcknowledged) {
   stop_writing = true;
   ASSERT_EQ(writer.wait_for(std::chrono::seconds(30)), std::future_status::ready);
   const int last = acknowledged;
+  // A killed process lets go of its lock only once it is gone.
+  for (int i = 0; i < 3000 && rpk_host::modem_sim_running(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
   start();
   qmi_client_type h = open_extend();
   ASSERT_NE(h, nullptr);

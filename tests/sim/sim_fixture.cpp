@@ -33,6 +33,11 @@ void SimTest::SetUp() {
 
 void SimTest::TearDown() {
   sim("stop");
+  // A sanitizer build's daemon reports into its log, out of the test's sight.
+  std::string log;
+  rpk_host::read_file(dir_ + "/sim.log", log);
+  EXPECT_EQ(log.find("Sanitizer"), std::string::npos) << log;
+  EXPECT_EQ(log.find("runtime error"), std::string::npos) << log;
   std::error_code ec;
   std::filesystem::remove_all(dir_, ec);
 }
