@@ -151,8 +151,14 @@ void Daemon::take_down_for(uint32_t id, uint32_t ms) {
   for (auto &s : services_) {
     if (id != 0 && s.id != id) continue;
     take_down(s);
+    const uint64_t down = ++s.downs;
+    if (ms == 0) continue;
+    const uint32_t service = s.id;
+    at(Clock::now() + std::chrono::milliseconds(ms), [this, service, down] {
+      Service *again = find_service(service);
+      if (again != nullptr && again->downs == down) bring_all_up(service);
+    });
   }
-  if (ms > 0) at(Clock::now() + std::chrono::milliseconds(ms), [this, id] { bring_all_up(id); });
 }
 
 void Daemon::bring_all_up(uint32_t id) {

@@ -46,6 +46,7 @@ class Daemon {
     uint32_t id = 0;
     int listen_fd = -1;
     bool up = false;
+    uint64_t downs = 0;  // a timed return applies only if no later down came
   };
   struct Conn {
     int fd = -1;

@@ -28,7 +28,8 @@ void Journal::append(nlohmann::json entry) {
   snprintf(stamp + n, sizeof stamp - n, ".%03ldZ", static_cast<long>(tv.tv_usec / 1000));
   entry["seq"] = ++seq_;
   entry["time"] = stamp;
-  const std::string line = entry.dump() + "\n";
+  const std::string line =
+      entry.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
   if (fd_ >= 0) {
     ssize_t ignored = write(fd_, line.data(), line.size());
     (void)ignored;

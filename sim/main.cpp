@@ -14,6 +14,7 @@
 #include "control_link.h"
 #include "daemon.h"
 #include "modem_errors.h"
+#include "modem_services.h"
 #include "modem_sim_link.h"
 #include "rpk_host.h"
 #include "settings.h"
@@ -221,7 +222,10 @@ int cmd_set(const std::vector<std::string> &a) {
   }
   const std::string dir = rpk_host::state_dir();
   rpk_sim::Settings s = rpk_sim::Settings::load(dir);
-  if (!s.set(a[0], value)) return complain("unknown setting: " + a[0]);
+  if (!s.set(a[0], value) ||
+      (a[0].compare(0, 6, "stats.") == 0 && !rpk_sim::stats_field_known(a[0].substr(6)))) {
+    return complain("unknown setting: " + a[0]);
+  }
   return s.save(dir) ? 0 : complain("cannot save the settings");
 }
 

@@ -3,8 +3,10 @@
 #include <qmi_client.h>
 #include <stdlib.h>
 
+#include <chrono>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "modem_sim_link.h"
 #include "sim_fixture.h"
@@ -26,6 +28,21 @@ TEST_F(ControlTest, TheFirstCallThatNeedsTheModemStartsIt) {
   EXPECT_EQ(n, 1u);
   EXPECT_TRUE(rpk_host::modem_sim_running());
   unsetenv("RPK_SIM_BIN");
+}
+
+TEST_F(ControlTest, ALaterDownOutlastsAnEarlierTimedOne) {
+  start();
+  qmi_idl_service_object_type svc = velmar_extend_qmi_get_service_object_v01();
+  unsigned n = 0;
+  ASSERT_EQ(sim("fault down 200"), 0);
+  ASSERT_EQ(sim("fault down --service extend"), 0);
+  std::this_thread::sleep_for(std::chrono::milliseconds(600));
+  EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &n), QMI_SERVICE_ERR);
+  std::string out;
+  ASSERT_EQ(sim("status", &out), 0);
+  EXPECT_EQ(nlohmann::json::parse(out)["services"][1]["up"], true);  // sar came back
+  ASSERT_EQ(sim("fault up"), 0);
+  EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &n), 0);
 }
 
 TEST_F(ControlTest, AScenarioSeedsTheModemAtStart) {
