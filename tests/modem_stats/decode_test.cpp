@@ -103,12 +103,6 @@ std::string json(const std::string &code, const std::string &lines, const std::s
          "\"}\n";
 }
 
-TEST(RpkDecode, Crc16MatchesTheX25CheckValue) {
-  const Bytes check = {'1', '2', '3', '4', '5', '6', '7', '8', '9'};
-  EXPECT_EQ(decode_crc16(check), 0x906E);
-  EXPECT_EQ(decode_crc16(check), crc_x25(check));
-}
-
 TEST(RpkDecode, HdlcCaptureWithDamagedFrames) {
   // An SSB frequency of 0x7E7D7E7D forces escapes inside the frame.
   const Bytes cell = {0x7D, 0x7E, 0x7D, 0x7E, 0x2A, 0x00, 0x05};
@@ -193,38 +187,6 @@ TEST(RpkDecode, TextFormAndItsBadLines) {
   EXPECT_EQ(status, 1);
   run_decode({"--bogus", path}, &status);
   EXPECT_EQ(status, 2);
-}
-
-TEST(RpkDecode, TextLines) {
-  const struct {
-    const char *line;
-    decode_line_kind kind;
-    bool event = false;
-    uint16_t id = 0;
-    Bytes payload = {};
-  } cases[] = {
-      {"B193 01a2FF", decode_line_kind::item, false, 0xB193, {0x01, 0xA2, 0xFF}},
-      {"  E1606\t04  ", decode_line_kind::item, true, 1606, {0x04}},
-      {"E629", decode_line_kind::item, true, 629, {}},
-      {"", decode_line_kind::empty},
-      {"# B193 00", decode_line_kind::empty},
-      {"B193 0", decode_line_kind::bad},
-      {"E4096 00", decode_line_kind::bad},
-      {"E16a 00", decode_line_kind::bad},
-      {"1B193 00", decode_line_kind::bad},
-      {"G193 00", decode_line_kind::bad},
-  };
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.line);
-    bool event = false;
-    uint16_t id = 0;
-    Bytes payload;
-    ASSERT_EQ(decode_text_line(c.line, &event, &id, &payload), c.kind);
-    if (c.kind != decode_line_kind::item) continue;
-    EXPECT_EQ(event, c.event);
-    EXPECT_EQ(id, c.id);
-    EXPECT_EQ(payload, c.payload);
-  }
 }
 
 }  // namespace

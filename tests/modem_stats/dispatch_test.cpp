@@ -98,33 +98,4 @@ TEST(ModemStatsDispatch, NullPayloadNamesThePreviousId) {
   EXPECT_EQ(g_pk_data_id, 3215);
 }
 
-TEST(ModemStatsSelfTest, ArgumentsAndHeaderLine) {
-  const struct {
-    std::vector<const char *> args;
-    int ret;
-    std::string head;  // the output up to the dispatcher line
-  } cases[] = {
-      {{"rpk", "7", "1"}, 0, "\nnote: Too few parameters, Pls refer to the following cmd:\n"},
-      {{"rpk", "7", "0", "0x1B14E"}, 1, "length = 108, type = 0, id = 45390(0xb14e)\n"},
-      {{"rpk", "7", "1", "3184"}, 1, "length = 108, type = 1, id = 3184(0xc70)\n"},
-      {{"rpk", "7", "-3", "629"}, 1, "length = 108, type = -3, id = 629(0x275)\n"},
-  };
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.head);
-    std::vector<char *> argv;
-    for (const char *a : c.args) argv.push_back(const_cast<char *>(a));
-    int ret = -1;
-    const std::string out = capture_stdout([&] {
-      ret = velmar_test_modem_stats_log_or_event(static_cast<int>(argv.size()), argv.data());
-    });
-    EXPECT_EQ(ret, c.ret);
-    EXPECT_EQ(out.substr(0, c.head.size()), c.head);
-    if (c.ret == 1) {
-      const bool event = std::string(c.args[2]) != "0";
-      EXPECT_EQ(out.substr(c.head.size(), 26),
-                event ? "modem_stats_diag_process_e" : "modem_stats_diag_process_l");
-    }
-  }
-}
-
 }  // namespace
