@@ -88,6 +88,10 @@ TEST_F(QcciSimTest, ReadsAnNvItemAndTheJournalShowsTheExactRequest) {
   EXPECT_EQ(e["envelope"]["request_id"], 2);
   EXPECT_EQ(e["envelope"]["data_len"], 512);
   EXPECT_EQ(e["envelope"]["data"].get<std::string>().substr(0, 8), "01002602");
+  // Request, transaction 1, message 0x0002, 529 bytes of TLVs, then TLV 0x01.
+  EXPECT_EQ(e["wire"].get<std::string>().substr(0, 28),
+            "00010002001102"
+            "01040002000000");
   EXPECT_EQ(e["wire"].get<std::string>().size(), 2u * 536);
 }
 
