@@ -299,7 +299,7 @@ TEST_F(QcciSimTest, IndicationsArriveOnTheLibrarysThread) {
 
 TEST_F(QcciSimTest, SubsystemRestartTakesTheServicesAwayForAWhile) {
   start();
-  ASSERT_EQ(sim("set ssr_ms 1500"), 0);
+  ASSERT_EQ(sim("set ssr_ms 3000"), 0);
   qmi_idl_service_object_type svc = velmar_extend_qmi_get_service_object_v01();
   qmi_client_os_params os{};
   qmi_client_type notifier = nullptr;
