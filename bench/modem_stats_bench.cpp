@@ -13,6 +13,7 @@
 #include <cstring>
 #include <vector>
 
+#include "modem_stats/logs/golden.h"
 #include "modem_stats/modem_stats_dispatch.h"
 
 namespace {
@@ -94,6 +95,16 @@ std::vector<packet> mixed_set() {
   return set;
 }
 
+// The log parsers' golden packets: every accepted version of all 33 codes
+// with the refusals and edge cases the tests pin.
+std::vector<packet> golden_set() {
+  std::vector<packet> set;
+  for (auto list : {modem_stats_golden_lte(), modem_stats_golden_nr()}) {
+    for (const modem_stats_golden &g : list) set.push_back({false, g.code, g.payload});
+  }
+  return set;
+}
+
 // Sends stdout to /dev/null for the life of the object.
 class quiet_stdout {
  public:
@@ -119,8 +130,7 @@ void fill_area(std::vector<uint8_t> &area, const packet &p) {
   memcpy(area.data(), p.payload.data(), p.payload.size());
 }
 
-void BM_DispatchMixed(benchmark::State &state) {
-  const std::vector<packet> set = mixed_set();
+void dispatch_all(benchmark::State &state, const std::vector<packet> &set) {
   std::vector<uint8_t> area(MODEM_STATS_READABLE_LEN);
   int64_t records = 0;
   quiet_stdout quiet;
@@ -143,10 +153,8 @@ void BM_DispatchMixed(benchmark::State &state) {
   state.counters["records_per_set"] =
       static_cast<double>(records) / static_cast<double>(state.iterations());
 }
-BENCHMARK(BM_DispatchMixed);
 
-void BM_CopyFloorMixed(benchmark::State &state) {
-  const std::vector<packet> set = mixed_set();
+void copy_floor(benchmark::State &state, const std::vector<packet> &set) {
   std::vector<uint8_t> area(MODEM_STATS_READABLE_LEN);
   for (auto _ : state) {
     for (const packet &p : set) {
@@ -157,7 +165,15 @@ void BM_CopyFloorMixed(benchmark::State &state) {
   }
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(set.size()));
 }
+
+void BM_DispatchMixed(benchmark::State &state) { dispatch_all(state, mixed_set()); }
+void BM_CopyFloorMixed(benchmark::State &state) { copy_floor(state, mixed_set()); }
+void BM_DispatchGolden(benchmark::State &state) { dispatch_all(state, golden_set()); }
+void BM_CopyFloorGolden(benchmark::State &state) { copy_floor(state, golden_set()); }
+BENCHMARK(BM_DispatchMixed);
 BENCHMARK(BM_CopyFloorMixed);
+BENCHMARK(BM_DispatchGolden);
+BENCHMARK(BM_CopyFloorGolden);
 
 }  // namespace
 
