@@ -32,10 +32,10 @@ def number(text):
     return int(text, 0)
 
 
-def check(entry, spec):
+def check(entry, cond):
     env = entry["envelope"]
     data = bytes.fromhex(env.get("data", ""))
-    key, _, want = spec.partition("=")
+    key, _, want = cond.partition("=")
     if key in ("request_id", "data_len", "data_valid"):
         got = env.get(key)
         return got == number(want), got
@@ -68,10 +68,10 @@ def main(argv):
         index = number(argv[1])
         at = index - 1 if index > 0 else len(reqs) + index
         chosen = [(index, reqs[at])] if 0 <= at < len(reqs) else []
-        specs = argv[2:]
+        conds = argv[2:]
     elif argv[:1] == ["each"]:
         chosen = list(enumerate(reqs, 1))
-        specs = argv[1:]
+        conds = argv[1:]
     else:
         print(__doc__)
         return 2
@@ -80,10 +80,10 @@ def main(argv):
         return 1
     failed = 0
     for i, entry in chosen:
-        for spec in specs:
-            ok, got = check(entry, spec)
+        for cond in conds:
+            ok, got = check(entry, cond)
             if not ok:
-                print(f"journal: request {i}: {spec} not met, found {got}")
+                print(f"journal: request {i}: {cond} not met, found {got}")
                 failed = 1
     return failed
 
