@@ -73,8 +73,12 @@ Bytes event(uint16_t id, const Bytes &payload, bool short_stamp) {
 Bytes event_report(const std::vector<Bytes> &events) {
   Bytes body;
   for (const auto &e : events) body.insert(body.end(), e.begin(), e.end());
-  Bytes p = {0x60, static_cast<uint8_t>(body.size()), static_cast<uint8_t>(body.size() >> 8)};
-  p.insert(p.end(), body.begin(), body.end());
+  // Sized up front: GCC 12 misreads an insert behind a braced list as overflow.
+  Bytes p(3 + body.size());
+  p[0] = 0x60;
+  p[1] = static_cast<uint8_t>(body.size());
+  p[2] = static_cast<uint8_t>(body.size() >> 8);
+  std::copy(body.begin(), body.end(), p.begin() + 3);
   return p;
 }
 
