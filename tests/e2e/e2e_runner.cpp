@@ -117,8 +117,12 @@ Result run(const std::vector<std::string> &argv, const std::vector<std::string> 
   if (pid == 0) {
     dup2(out_pipe[1], STDOUT_FILENO);
     dup2(err_pipe[1], STDERR_FILENO);
+    // Only fds 1 and 2 may hold the pipes: a daemon started by a step that
+    // redirects its output must not keep them open.
     close(out_pipe[0]);
     close(err_pipe[0]);
+    close(out_pipe[1]);
+    close(err_pipe[1]);
     int devnull = open("/dev/null", O_RDONLY);
     dup2(devnull, STDIN_FILENO);
     for (const auto &e : env) putenv(strdup(e.c_str()));
