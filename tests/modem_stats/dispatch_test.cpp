@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "modem_stats/logs/golden.h"
 #include "modem_stats/modem_stats_dispatch.h"
 #include "support/capture_stdout.h"
 
@@ -41,15 +40,6 @@ TEST(ModemStatsTables, SortedUniqueAndNamedAfterTheirCode) {
     EXPECT_EQ(std::string(r.name).rfind(want, 0), 0u) << r.name;
     EXPECT_TRUE(event_stat_ids.insert(r.stat_id).second) << r.name;
     EXPECT_GE(r.record_len, 1);
-  }
-}
-
-TEST(ModemStatsTables, EveryLogCodeHasAGoldenPacket) {
-  std::set<uint16_t> golden;
-  for (const auto &g : modem_stats_golden_lte()) golden.insert(g.code);
-  for (const auto &g : modem_stats_golden_nr()) golden.insert(g.code);
-  for (const auto &r : modem_stats_log_table()) {
-    EXPECT_EQ(golden.count(r.code), 1u) << r.name << " has no golden packet";
   }
 }
 

@@ -1,13 +1,16 @@
 // Builders for golden packets: a payload written field by field from a
-// layout (little-endian values at byte or bit positions), and the record bytes
-// a parser should pack.
+// layout (little-endian values at byte or bit positions), the record bytes a
+// parser should pack, and the lines it prints when it makes none.
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
-#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "modem_stats/logs/golden.h"
 
 class golden_payload {
  public:
@@ -64,6 +67,45 @@ class golden_record {
  private:
   std::vector<uint8_t> b_;
 };
+
+constexpr uint32_t kGoldenNoRecord = 146;
+
+inline std::string golden_refused(uint32_t version, const char *name, uint16_t code) {
+  char s[200];
+  std::snprintf(s, sizeof s,
+                "VERSION_NOT_SUPPORT, version(%u), not_support_num(1), name(%s), id(0x%x)\n",
+                version, name, code);
+  return s;
+}
+inline std::string golden_invalid(long value, const char *name, uint16_t code) {
+  char s[200];
+  std::snprintf(s, sizeof s, "DATA_IS_NOT_VALID(%ld), name(%s), id(0x%x)\n", value, name, code);
+  return s;
+}
+
+// A packet that prints `summary` and is then stopped by the validity gate with
+// `value`.
+inline modem_stats_golden golden_gated(uint16_t code, std::string what,
+                                       std::vector<uint8_t> payload, const std::string &summary,
+                                       long value, const char *name) {
+  return {code,
+          std::move(what),
+          std::move(payload),
+          summary + golden_invalid(value, name, code),
+          kGoldenNoRecord,
+          {}};
+}
+// A packet a version gate refuses.
+inline modem_stats_golden golden_refusal(uint16_t code, std::string what,
+                                         std::vector<uint8_t> payload, uint32_t version,
+                                         const char *name) {
+  return {code,
+          std::move(what),
+          std::move(payload),
+          golden_refused(version, name, code),
+          kGoldenNoRecord,
+          {}};
+}
 
 // The canned 108-byte packet of the category-7 self-test; its first byte,
 // read as a version, is 9.

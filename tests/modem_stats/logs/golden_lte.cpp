@@ -10,95 +10,22 @@
 
 namespace {
 
-constexpr uint32_t kNone = 146;
-
-std::string refused(int version, const char *name, unsigned code) {
-  char b[200];
-  std::snprintf(b, sizeof b,
-                "VERSION_NOT_SUPPORT, version(%d), not_support_num(1), name(%s), id(0x%x)\n",
-                version, name, code);
-  return b;
-}
-
-std::string not_valid(int value, const char *name, unsigned code) {
-  char b[200];
-  std::snprintf(b, sizeof b, "DATA_IS_NOT_VALID(%d), name(%s), id(0x%x)\n", value, name, code);
-  return b;
-}
-
-// The self-test packet starts with version 9, which no parser here accepts.
-modem_stats_golden selftest(uint16_t code, const char *name) {
-  return {code, "self-test packet", golden_selftest_payload(), refused(9, name, code), kNone, {}};
-}
-
 using G = std::vector<modem_stats_golden>;
+using P = golden_payload;
+using R = golden_record;
+constexpr uint32_t kNone = kGoldenNoRecord;
 
-// ---- IMS ---------------------------------------------------------------------------
-
-G ims_rtp() {
-  const uint16_t c = 0x1568;
-  const char *n = "modem_stats_parse_1568_diag_log_ims_rtp_sn_and_payload";
-  return {
-      // P+0 version 13 | P+13 codec_type | P+22 frame_type; neighbours hold junk
-      {c, "v13",
-       golden_payload(24)
-           .le(0, 13, 1)
-           .le(12, 0xaa, 1)
-           .le(13, 5, 1)
-           .le(14, 0xbb, 1)
-           .le(21, 0xcc, 1)
-           .le(22, 3, 1)
-           .le(23, 0xdd, 1),
-       "version = 13, codec_type = 5, frame_type = 3\n", 136, golden_record().u8(13).u8(5).u8(3)},
-      {c, "v12 refused", golden_payload(24).le(0, 12, 1), refused(12, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-G ims_sip() {
-  const uint16_t c = 0x156e;
-  const char *n = "modem_stats_parse_156e_diag_log_ims_sip_message";
-  std::vector<uint8_t> long_id(254, 'x');
-  long_id.push_back(0);
-  return {
-      // P+0 1 | P+1 direction | P+2 sdp | P+3 call id len | P+4 msg len(2)
-      // P+6 logged(2) | P+8 msg_id(2) | P+10 response code(2) | P+16 call id text
-      {c, "v1 uplink with a 4-byte call id",
-       golden_payload(24)
-           .le(0, 1, 1)
-           .le(1, 1, 1)
-           .le(2, 1, 1)
-           .le(3, 4, 1)
-           .le(4, 515, 2)
-           .le(6, 256, 2)
-           .le(8, 7, 2)
-           .le(10, 200, 2)
-           .text(16, std::string("ab1\0", 4)),
-       "version = 1, direction = 1, sdp_presence = 1, sip_call_id_len = 4, sip_msg_len = 515, "
-       "sip_msg_logged_bytes = 256, msg_id = 7\n",
-       116,
-       golden_record().u8(1).u8(1).u8(1).u8(4).u16(515).u16(256).u16(7).bytes({'a', 'b', '1', 0})},
-      {c, "v1 without call id",
-       golden_payload(24).le(0, 1, 1).le(4, 40, 2).le(6, 40, 2).le(8, 3, 2).le(16, 0x55, 1),
-       "version = 1, direction = 0, sdp_presence = 0, sip_call_id_len = 0, sip_msg_len = 40, "
-       "sip_msg_logged_bytes = 40, msg_id = 3\n",
-       116, golden_record().u8(1).u8(0).u8(0).u8(0).u16(40).u16(40).u16(3)},
-      {c, "v1 with the longest call id",
-       golden_payload(300).le(0, 1, 1).le(3, 255, 1).text(
-           16, std::string(long_id.begin(), long_id.end())),
-       "version = 1, direction = 0, sdp_presence = 0, sip_call_id_len = 255, sip_msg_len = 0, "
-       "sip_msg_logged_bytes = 0, msg_id = 0\n",
-       116, golden_record().u8(1).u8(0).u8(0).u8(255).u16(0).u16(0).u16(0).bytes(long_id)},
-      {c, "v2 refused", golden_payload(24).le(0, 2, 1), refused(2, n, c), kNone, {}},
-      selftest(c, n),
-  };
+// A packet holding nothing but an unaccepted version byte.
+modem_stats_golden refusal(uint16_t code, int version, const char *name) {
+  return golden_refusal(code, "v" + std::to_string(version) + " refused", P(1).le(0, version, 1),
+                        version, name);
 }
 
 // Session packets: P+0 version | P+1 L1 | L1 bytes | direction | L2 | L2 bytes
 // call type(4) | L3 | L3 bytes | L4 | L4 bytes | cause(2) | delay(4) | rat, with
 // S = L1+L2+L3+L4 the cause sits at P+10+S.
-golden_payload session_with_strings(int version, int cause) {
-  return golden_payload(40)
+P session_with_strings(int version, int cause) {
+  return P(40)
       .le(0, version, 1)
       .le(1, 3, 1)
       .text(2, "123")
@@ -114,488 +41,8 @@ golden_payload session_with_strings(int version, int cause) {
       .le(23, 1500, 4)
       .le(27, 3, 1);  // rat
 }
-golden_payload session_empty(int version, int cause, uint32_t delay, int rat) {
-  return golden_payload(20).le(0, version, 1).le(10, cause, 2).le(12, delay, 4).le(16, rat, 1);
-}
-
-G ims_session_setup() {
-  const uint16_t c = 0x1830;
-  const char *n = "modem_stats_parse_1830_diag_log_ims_volte_session_setup";
-  // Every string 255 bytes: L1 at P+1, direction P+257, L2 P+258, L3 P+518,
-  // L4 P+774, result P+1030, delay P+1032, rat P+1036.
-  golden_payload longest = golden_payload(1040)
-                               .le(0, 2, 1)
-                               .le(1, 255, 1)
-                               .le(257, 1, 1)
-                               .le(258, 255, 1)
-                               .le(518, 255, 1)
-                               .le(774, 255, 1)
-                               .le(1030, 603, 2)
-                               .le(1036, 2, 1);
-  return {
-      {c, "v2 with four strings", session_with_strings(2, 200),
-       "version = 2, direction = 1, result = 200, call_setup_delay = 1500, rat = 3, "
-       "originating_url_len = 4, terminating_url_len = 2\n",
-       125, golden_record().u8(2).u8(1).u16(200).u32(1500).u8(3).u8(4).u8(2)},
-      {c, "v4 with empty strings", session_empty(4, 486, 305419896, 1),
-       "version = 4, direction = 0, result = 486, call_setup_delay = 305419896, rat = 1, "
-       "originating_url_len = 0, terminating_url_len = 0\n",
-       125, golden_record().u8(4).u8(0).u16(486).u32(305419896).u8(1).u8(0).u8(0)},
-      {c, "v2 with the longest strings", longest,
-       "version = 2, direction = 1, result = 603, call_setup_delay = 0, rat = 2, "
-       "originating_url_len = 255, terminating_url_len = 255\n",
-       125, golden_record().u8(2).u8(1).u16(603).u32(0).u8(2).u8(255).u8(255)},
-      {c, "v3 refused", golden_payload(20).le(0, 3, 1), refused(3, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-G ims_session_end() {
-  const uint16_t c = 0x1831;
-  const char *n = "modem_stats_parse_1831_diag_log_ims_volte_session_end";
-  return {
-      {c, "v6 with four strings", session_with_strings(6, 16),
-       "version = 6, direction = 1, end_cause = 16, call_setup_delay = 1500, rat = 3, "
-       "originating_url_len = 4, terminating_url_len = 2\n",
-       126, golden_record().u8(6).u8(1).u16(16).u32(1500).u8(3).u8(4).u8(2)},
-      {c, "v2 with empty strings", session_empty(2, 65535, 0, 0),
-       "version = 2, direction = 0, end_cause = 65535, call_setup_delay = 0, rat = 0, "
-       "originating_url_len = 0, terminating_url_len = 0\n",
-       126, golden_record().u8(2).u8(0).u16(65535).u32(0).u8(0).u8(0).u8(0)},
-      {c, "v4 with empty strings", session_empty(4, 1, 20, 2),
-       "version = 4, direction = 0, end_cause = 1, call_setup_delay = 20, rat = 2, "
-       "originating_url_len = 0, terminating_url_len = 0\n",
-       126, golden_record().u8(4).u8(0).u16(1).u32(20).u8(2).u8(0).u8(0)},
-      {c, "v5 refused", golden_payload(20).le(0, 5, 1), refused(5, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-// ---- WCDMA, GSM ----------------------------------------------------------------------
-
-G wcdma_pn_search() {
-  const uint16_t c = 0x4179;
-  const char *n = "modem_stats_parse_4179_diag_log_wcdma_pn_search_edition2";
-  return {
-      // P+0 8 | P+1..2 junk | P+3 rx_agc_old_0 s16 | P+5 rx_agc_old_1 s16 | P+7 junk
-      // dB = (raw + 512) / 10 - 106
-      {c, "v8 negative and positive levels",
-       golden_payload(8).le(0, 8, 1).le(1, 0xffff, 2).le(3, 0xfe00, 2).le(5, 88, 2).le(7, 0xff, 1),
-       "version = 8, rx_agc_old_0 = -512, rx_agc_old_1 = 88, rx_agc_0 = -106.00, "
-       "rx_agc_1 = -46.00\n",
-       110, golden_record().u8(8).f32(-106.0f).f32(-46.0f)},
-      {c, "v8 half a decibel", golden_payload(8).le(0, 8, 1).le(3, 0xfe05, 2).le(5, 0xfe05, 2),
-       "version = 8, rx_agc_old_0 = -507, rx_agc_old_1 = -507, rx_agc_0 = -105.50, "
-       "rx_agc_1 = -105.50\n",
-       110, golden_record().u8(8).f32(-105.5f).f32(-105.5f)},
-      {c, "v5 refused", golden_payload(8).le(0, 5, 1), refused(5, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-G gsm_rx_diversity() {
-  const uint16_t c = 0x5096;
-  const char *n = "modem_stats_parse_5096_diag_log_gsm_l1_rx_diversity_metrics";
-  return {
-      // P+0 6 | P+1 rx_prx_old s16 | P+3 rx_drx_old s16 (1/16 dB) | P+5 junk
-      {c, "v6", golden_payload(8).le(0, 6, 1).le(1, 0xf9c0, 2).le(3, 0xfa18, 2).le(5, 0x7f, 1),
-       "version = 6, rx_prx_old = -1600, rx_drx_old = -1512, rx_prx = -100.00, rx_drx = -94.50\n",
-       111, golden_record().u8(6).f32(-100.0f).f32(-94.5f)},
-      {c, "v7 refused", golden_payload(8).le(0, 7, 1), refused(7, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-// ---- LTE MAC, RRC --------------------------------------------------------------------
-
-G lte_rach() {
-  const uint16_t c = 0xb062;
-  const char *n = "modem_stats_parse_b062_diag_log_lte_mac_rach_attempt";
-  // P+0 version | P+1 num_records | P+4 sub_packet_id | P+5 version_sub | P+11 rach_result
-  auto attempt = [](int records, int sub_id, int sub_version, int result) {
-    return golden_payload(12)
-        .le(0, 1, 1)
-        .le(1, records, 1)
-        .le(4, sub_id, 1)
-        .le(5, sub_version, 1)
-        .le(11, result, 1);
-  };
-  return {
-      {c,
-       "no attempt logged",
-       attempt(0, 0, 0, 0),
-       "sub_id = 0, version = 1, num_records = 0, version_sub = 0, rach_result = -1\n" +
-           not_valid(-1, n, c),
-       kNone,
-       {}},
-      {c, "successful attempt", attempt(1, 6, 49, 0), "rach is success, do nothing\n", kNone, {}},
-      {c, "failed attempt", attempt(1, 6, 49, 5),
-       "sub_id = 0, version = 1, num_records = 1, version_sub = 49, rach_result = 5\n", 132,
-       golden_record().u8(1).u8(49).u8(5)},
-      {c, "largest result of three records", attempt(3, 6, 49, 127),
-       "sub_id = 0, version = 1, num_records = 3, version_sub = 49, rach_result = 127\n", 132,
-       golden_record().u8(1).u8(49).u8(127)},
-      {c,
-       "negative result",
-       attempt(1, 6, 49, 0x80),
-       "sub_id = 0, version = 1, num_records = 1, version_sub = 49, rach_result = -128\n" +
-           not_valid(-128, n, c),
-       kNone,
-       {}},
-      {c, "other sub-packet", attempt(1, 7, 49, 5), not_valid(7, "sub_packet_id", c), kNone, {}},
-      {c,
-       "sub-version 48 refused",
-       attempt(1, 6, 48, 5),
-       refused(48, "lte_mac_rach_attempt", c),
-       kNone,
-       {}},
-      {c,
-       "version 2 refused",
-       golden_payload(12).le(0, 2, 1).le(1, 1, 1),
-       refused(2, n, c),
-       kNone,
-       {}},
-      selftest(c, n),
-  };
-}
-
-G lte_ul_tb() {
-  const uint16_t c = 0xb064;
-  const char *n = "modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block";
-  // P+0 1 | P+4 sub_packet_id 8 | P+5 sub_version | P+8 num_samples | samples from P+9
-  auto head = [](size_t size, int sub_id, int sub_version, int samples) {
-    return golden_payload(size)
-        .le(0, 1, 1)
-        .le(1, 1, 1)
-        .le(4, sub_id, 1)
-        .le(5, sub_version, 1)
-        .le(8, samples, 1);
-  };
-  // Sub-version 1 sample at s (12 bytes + H): s+2 u16 subframe | SFN << 4,
-  // s+4 grant(2), s+7 padding(2), s+11 H. Later sub-versions: everything +2.
-  auto sample = [](golden_payload p, int s, int sfn, int sub_fn, int grant, int pad, int h) {
-    return p.le(s + 2, sfn << 4 | sub_fn, 2)
-        .le(s + 4, grant, 2)
-        .le(s + 6, 1, 1)
-        .le(s + 7, pad, 2)
-        .le(s + 9, 2, 1)
-        .le(s + 10, 3, 1)
-        .le(s + 11, h, 1);
-  };
-  golden_payload v1 = sample(sample(head(40, 8, 1, 2), 9, 555, 5, 125, 12, 2), 23, 574, 0, 0, 0, 0)
-                          .le(21, 0x233d, 2);  // the 2 MAC header bytes of sample 0
-  golden_payload v2 = sample(head(30, 8, 2, 1), 9 + 2, 1023, 9, 100, 100, 0).le(10, 1, 1);
-  golden_payload v5 =
-      sample(sample(head(50, 8, 5, 2), 9 + 2, 10, 0, 40, 10, 3), 26 + 2, 11, 0, 60, 0, 0)
-          .le(23, 0xffffff, 3);  // sample 0's 3 header bytes
-  const std::string zero =
-      "LTE FSSR: [0][0], pad = 0, grant = 0, sfn_grant = 0.00, sfn_full = 0.00\n";
-  return {
-      {c, "sub v1, one granted and one empty TTI", v1,
-       "LTE FSSR: [555][574], pad = 12, grant = 125, sfn_grant = 50.00, sfn_full = 90.40\n", 114,
-       golden_record().u8(1).u8(1).u8(2).u16(555).u16(574).u32(12).u32(125).f32(50.0f).f32(90.4f)},
-      {c, "sub v2, all padding", v2,
-       "LTE FSSR: [1023][1023], pad = 100, grant = 100, sfn_grant = 100.00, sfn_full = 0.00\n", 114,
-       golden_record().u8(1).u8(2).u8(1).u16(1023).u16(1023).u32(100).u32(100).f32(100.0f).f32(
-           0.0f)},
-      {c, "sub v5, header bytes between samples", v5,
-       "LTE FSSR: [10][11], pad = 10, grant = 100, sfn_grant = 100.00, sfn_full = 90.00\n", 114,
-       golden_record().u8(1).u8(5).u8(2).u16(10).u16(11).u32(10).u32(100).f32(100.0f).f32(90.0f)},
-      {c, "sub v8, nothing granted", head(30, 8, 8, 1), zero, 114,
-       golden_record().u8(1).u8(8).u8(1).u16(0).u16(0).u32(0).u32(0).f32(0.0f).f32(0.0f)},
-      {c, "no samples", head(30, 8, 1, 0), zero + not_valid(0, n, c), kNone, {}},
-      {c, "more samples than fit", head(30, 8, 1, 255), zero + not_valid(255, n, c), kNone, {}},
-      {c, "other sub-packet", head(30, 9, 1, 1), not_valid(9, n, c), kNone, {}},
-      {c, "sub-version 4 refused", head(30, 8, 4, 1), refused(4, n, c), kNone, {}},
-      {c, "version 2 refused", golden_payload(30).le(0, 2, 1), refused(2, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-G lte_serving_cell_info() {
-  const uint16_t c = 0xb0c2;
-  const char *n = "modem_stats_parse_b0c2_diag_log_lte_rrc_serving_cell_info";
-  // P+0 3 | P+1 pci(2) | P+3 dl_earfcn(4) | P+7 ul_earfcn(4) | P+11/12 bandwidths
-  // P+13 cgi(4) | P+17 tac(2) | P+19 band(4) | P+23 mcc(2) | P+25 mnc_num | P+26 mnc(2)
-  golden_payload v3 = golden_payload(30)
-                          .le(0, 3, 1)
-                          .le(1, 301, 2)
-                          .le(3, 1825, 4)
-                          .le(7, 19825, 4)
-                          .le(11, 0x6464, 2)
-                          .le(13, 27439044, 4)
-                          .le(17, 12345, 2)
-                          .le(19, 3, 4)
-                          .le(23, 460, 2)
-                          .le(25, 2, 1)
-                          .le(26, 11, 2)
-                          .le(28, 0xff, 1);
-  return {
-      {c, "v3", v3, "version = 3, mcc = 460, mnc_num 2, mnc 11, tac 12345, cgi 27439044, pci 301\n",
-       129,
-       golden_record().u8(3).u16(301).u32(1825).u32(27439044).u16(12345).u32(3).u16(460).u8(2).u16(
-           11)},
-      {c, "v2 refused", golden_payload(30).le(0, 2, 1), refused(2, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-// ---- LTE physical layer -------------------------------------------------------------
-
-G lte_rx_agc() {
-  const uint16_t c = 0xb111;
-  const char *n = "modem_stats_parse_b111_diag_log_lte_ll1_rx_agc";
-  // P+0 version | P+1 bits 0-4 num_records | 40-byte records from P+8:
-  //   +0 bits 0-1 rx chain | +8 u16 bits 0-11 RSSI; dB = (raw - 1024) / 4
-  golden_payload v164 = golden_payload(130)
-                            .le(0, 164, 1)
-                            .le(1, 0xe3, 1)            // 3 records, junk above
-                            .le(8, 0xfd, 1)            // chain 1
-                            .le(16, 0xf000 | 1064, 2)  // junk above bit 11
-                            .le(48, 0xfc, 1)           // chain 0
-                            .le(56, 624, 2)
-                            .le(88, 1, 1)  // chain 1 again: ignored
-                            .le(96, 2000, 2);
-  return {
-      {c, "v164, first record per chain", v164,
-       "version = 164, num_records = 3, rssi0_i = 624, rssi1_i = 1064, rssi2_i = 0, rssi3_i = 0\n",
-       96, golden_record().u8(164).u8(3).f32(-100.0f).f32(10.0f).f32(-256.0f).f32(-256.0f)},
-      {c, "v166, chain 3 only",
-       golden_payload(50).le(0, 166, 1).le(1, 1, 1).le(8, 3, 1).le(16, 1024, 2),
-       "version = 166, num_records = 1, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, rssi3_i = 1024\n",
-       96, golden_record().u8(166).u8(1).f32(-256.0f).f32(-256.0f).f32(-256.0f).f32(0.0f)},
-      {c,
-       "no records",
-       golden_payload(50).le(0, 164, 1).le(1, 0xe0, 1),
-       "version = 164, num_records = 0, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, rssi3_i = 0\n" +
-           not_valid(0, n, c),
-       kNone,
-       {}},
-      {c, "v21 refused", golden_payload(50).le(0, 21, 1), refused(21, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-G lte_pusch_csf() {
-  const uint16_t c = 0xb14e;
-  const char *n = "modem_stats_parse_b14e_diag_log_lte_pusch_csf";
-  // pb 36 rank_idx (2) | pb 47 wideband_cqi_cw0 (4) | pb 51 wideband_cqi_cw1 (4)
-  golden_payload set = golden_payload(16)
-                           .le(0, 163, 1)
-                           .bits(35, 1, 1)  // junk beside every field
-                           .bits(36, 1, 2)
-                           .bits(38, 1, 1)
-                           .bits(46, 1, 1)
-                           .bits(47, 13, 4)
-                           .bits(51, 9, 4)
-                           .bits(55, 1, 1);
-  return {
-      {c, "v163 all zero", golden_payload(16).le(0, 163, 1),
-       "version = 163, rank_idx = 0, wideband_cqi_cw0 = 0\n", 84,
-       golden_record().u8(163).u8(0).u8(0).u8(0)},
-      {c, "v163 rank index 1, CQI 13 and 9", set,
-       "version = 163, rank_idx = 1, wideband_cqi_cw0 = 13\n", 84,
-       golden_record().u8(163).u8(1).u8(13).u8(9)},
-      {c, "v162 refused", golden_payload(16).le(0, 162, 1), refused(162, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-G lte_tx_power() {
-  const uint16_t c = 0xb16d;
-  const char *n = "modem_stats_parse_b16d_diag_log_lte_tx_power";
-  // P+0 49 | P+3 num | records from P+4. Record at s:
-  //   s+4 24-bit word: bit 0 PUSCH, SFN << 4 | s+7 bit 1: 14-byte ACK/NAK mask (else 2)
-  //   s+8+M u16: Tx power s8 in bits 6-13 | body at s+10+M:
-  //   u32 #0 bits 28-30 modulation | u32 #1 bits 7-13 RBs, 14-18 MCS
-  golden_payload mixed = golden_payload(100)
-                             .le(0, 49, 1)
-                             .le(3, 2, 1)
-                             // record 0 at P+4: PUCCH, short mask, 36 bytes
-                             .le(8, 100 << 4, 3)
-                             .le(12, 0xffff, 2)
-                             .le(14, 0xfb << 6, 2)   // -5 dBm
-                             .le(16, 0x70000000, 4)  // not a PUSCH body: ignored
-                             // record 1 at P+40: PUSCH, long mask, 48 bytes
-                             .le(44, 1 | 101 << 4, 3)
-                             .le(47, 0x02, 1)
-                             .le(48, 0xffffffff, 4)
-                             .le(62, 23 << 6, 2)
-                             .le(64, 2u << 28, 4)
-                             .le(68, 50 << 7 | 17 << 14, 4);
-  golden_payload pusch_only = golden_payload(60)
-                                  .le(0, 49, 1)
-                                  .le(3, 1, 1)
-                                  .le(8, 1, 3)
-                                  .le(14, 0xd8 << 6, 2)  // -40 dBm
-                                  .le(16, 4u << 28, 4)
-                                  .le(20, 100 << 7 | 28 << 14, 4);
-  const std::string zeros =
-      "pucch_tx_power 0, pusch_num_res_blocks = 0, pusch_modulation_type = 0, "
-      "pusch_tx_power = 0, pusch_mcs = 0\n";
-  return {
-      {c, "PUCCH then PUSCH with a long mask", mixed,
-       "version = 49, num = 2, pucch_tx_power -5, pusch_num_res_blocks = 50, "
-       "pusch_modulation_type = 2, pusch_tx_power = 23, pusch_mcs = 17\n",
-       83, golden_record().u8(49).u8(2).u8(0xfb).u8(50).u8(2).u8(23).u8(17)},
-      {c, "PUSCH only", pusch_only,
-       "version = 49, num = 1, pucch_tx_power 0, pusch_num_res_blocks = 100, "
-       "pusch_modulation_type = 4, pusch_tx_power = -40, pusch_mcs = 28\n",
-       83, golden_record().u8(49).u8(1).u8(0).u8(100).u8(4).u8(0xd8).u8(28)},
-      {c,
-       "no records",
-       golden_payload(60).le(0, 49, 1),
-       "version = 49, num = 0, " + zeros + not_valid(0, n, c),
-       kNone,
-       {}},
-      {c,
-       "more records than fit",
-       golden_payload(60).le(0, 49, 1).le(3, 255, 1),
-       "version = 49, num = 255, " + zeros + not_valid(255, n, c),
-       kNone,
-       {}},
-      {c, "v48 refused", golden_payload(60).le(0, 48, 1), refused(48, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-// Power control: P+0 version | P+3 num_records | 12-byte records from P+4 (pb 32).
-G lte_pusch_power_control() {
-  const uint16_t c = 0xb16e;
-  const char *n = "modem_stats_parse_b16e_diag_log_lte_pusch_power_control";
-  return {
-      // v5: Tx power pb 46 (8), path loss pb 86 (8)
-      {c, "v5",
-       golden_payload(20)
-           .le(0, 5, 1)
-           .le(3, 1, 1)
-           .le(4, 0x0805863b, 4)
-           .le(8, 0x1d400902, 4)
-           .le(12, 0x000b3c00, 4),
-       "version = 5, num_records = 1, pusch_tx_power 22, dl_path_loss 117\n", 98,
-       golden_record().u8(5).u8(1).u8(22).u8(117)},
-      // v4: Tx power pb 46, path loss pb 78; junk where v5 keeps its path loss
-      {c, "v4",
-       golden_payload(30)
-           .le(0, 4, 1)
-           .le(3, 2, 1)
-           .bits(46, 10, 8)
-           .bits(78, 120, 8)
-           .bits(86, 0x55, 8),
-       "version = 4, num_records = 2, pusch_tx_power 10, dl_path_loss 120\n", 98,
-       golden_record().u8(4).u8(2).u8(10).u8(120)},
-      // v25: Tx power pb 49, path loss pb 86
-      {c, "v25", golden_payload(20).le(0, 25, 1).le(3, 1, 1).bits(49, 33, 8).bits(86, 99, 8),
-       "version = 25, num_records = 1, pusch_tx_power 33, dl_path_loss 99\n", 98,
-       golden_record().u8(25).u8(1).u8(33).u8(99)},
-      {c, "most records that fit", golden_payload(20).le(0, 5, 1).le(3, 166, 1).bits(46, 7, 8),
-       "version = 5, num_records = 166, pusch_tx_power 7, dl_path_loss 0\n", 98,
-       golden_record().u8(5).u8(166).u8(7).u8(0)},
-      {c,
-       "more records than fit",
-       golden_payload(20).le(0, 5, 1).le(3, 167, 1).bits(46, 7, 8),
-       "version = 5, num_records = 167, pusch_tx_power 0, dl_path_loss 0\n" + not_valid(167, n, c),
-       kNone,
-       {}},
-      {c,
-       "no records",
-       golden_payload(20).le(0, 5, 1),
-       "version = 5, num_records = 0, pusch_tx_power 0, dl_path_loss 0\n" + not_valid(0, n, c),
-       kNone,
-       {}},
-      {c, "v6 refused", golden_payload(20).le(0, 6, 1), refused(6, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-G lte_pucch_power_control() {
-  const uint16_t c = 0xb16f;
-  const char *n = "modem_stats_parse_b16f_diag_log_lte_pucch_power_control";
-  return {
-      // v4: Tx power pb 46 (8, unsigned), path loss pb 75 (7); pb 82 is junk
-      {c, "v4",
-       golden_payload(20)
-           .le(0, 4, 1)
-           .le(3, 1, 1)
-           .le(4, 0x24805e3c, 4)
-           .le(8, 0x0003a800, 4)
-           .bits(82, 1, 1),
-       "version = 4, num_records = 1, pucch_tx_power 1, dl_path_loss 117\n", 128,
-       golden_record().u8(4).u8(1).u8(1).u8(117)},
-      {c, "v4 power is unsigned", golden_payload(20).le(0, 4, 1).le(3, 1, 1).bits(46, 0xfd, 8),
-       "version = 4, num_records = 1, pucch_tx_power 253, dl_path_loss 0\n", 128,
-       golden_record().u8(4).u8(1).u8(0xfd).u8(0)},
-      // v24: Tx power signed, path loss 8 bits
-      {c, "v24", golden_payload(20).le(0, 24, 1).le(3, 1, 1).bits(46, 0xfd, 8).bits(75, 200, 8),
-       "version = 24, num_records = 1, pucch_tx_power -3, dl_path_loss 200\n", 128,
-       golden_record().u8(24).u8(1).u8(0xfd).u8(200)},
-      {c,
-       "no records",
-       golden_payload(20).le(0, 24, 1),
-       "version = 24, num_records = 0, pucch_tx_power 0, dl_path_loss 0\n" + not_valid(0, n, c),
-       kNone,
-       {}},
-      {c, "v5 refused", golden_payload(20).le(0, 5, 1), refused(5, n, c), kNone, {}},
-      selftest(c, n),
-  };
-}
-
-G lte_pdsch_stat() {
-  const uint16_t c = 0xb173;
-  const char *n = "modem_stats_parse_b173_diag_log_lte_pdsch_stat_indication";
-  // P+0 version | P+1 num_records | 40-byte records from P+4. Record 0:
-  //   P+7 num_layers | TB 0 from P+16: P+17 bits 0-3 RNTI type, P+20 TB size(2),
-  //   P+22 mcs, P+23 RBs, P+24 modulation order
-  auto pdsch = [](int version, int records, int mcs, int rb, int mod, int rnti, int layers) {
-    return golden_payload(90)
-        .le(0, version, 1)
-        .le(1, records, 1)
-        .le(4, 0x04013103, 4)
-        .le(7, layers, 1)
-        .le(16, 0xc1, 1)
-        .le(17, 0xa0 | rnti, 1)  // junk in the high nibble
-        .le(20, 1000, 2)
-        .le(22, mcs, 1)
-        .le(23, rb, 1)
-        .le(24, mod, 1)
-        .le(62, 0xff, 1);  // record 1's MCS: ignored
-  };
-  return {
-      {c, "v48 two records", pdsch(48, 2, 27, 100, 6, 5, 2),
-       "version = 48, num_records = 2, pdsch_mcs = 27, pdsch_rb = 100, pdsch_mod_type = 6, "
-       "pdsch_rnti_type = 5, num_layers = 2\n",
-       93, golden_record().u8(48).u8(2).u8(27).u8(100).u8(6).u8(5).u8(2)},
-      {c, "v39", pdsch(39, 1, 0, 1, 2, 0, 1),
-       "version = 39, num_records = 1, pdsch_mcs = 0, pdsch_rb = 1, pdsch_mod_type = 2, "
-       "pdsch_rnti_type = 0, num_layers = 1\n",
-       93, golden_record().u8(39).u8(1).u8(0).u8(1).u8(2).u8(0).u8(1)},
-      {c, "v40", pdsch(40, 1, 5, 50, 4, 15, 4),
-       "version = 40, num_records = 1, pdsch_mcs = 5, pdsch_rb = 50, pdsch_mod_type = 4, "
-       "pdsch_rnti_type = 15, num_layers = 4\n",
-       93, golden_record().u8(40).u8(1).u8(5).u8(50).u8(4).u8(15).u8(4)},
-      {c, "v49 most records that fit", pdsch(49, 49, 9, 6, 8, 1, 1),
-       "version = 49, num_records = 49, pdsch_mcs = 9, pdsch_rb = 6, pdsch_mod_type = 8, "
-       "pdsch_rnti_type = 1, num_layers = 1\n",
-       93, golden_record().u8(49).u8(49).u8(9).u8(6).u8(8).u8(1).u8(1)},
-      {c,
-       "more records than fit",
-       pdsch(48, 50, 9, 6, 8, 1, 1),
-       "version = 48, num_records = 50, pdsch_mcs = 0, pdsch_rb = 0, pdsch_mod_type = 0, "
-       "pdsch_rnti_type = 0, num_layers = 0\n" +
-           not_valid(50, n, c),
-       kNone,
-       {}},
-      {c,
-       "no records",
-       pdsch(48, 0, 9, 6, 8, 1, 1),
-       "version = 48, num_records = 0, pdsch_mcs = 0, pdsch_rb = 0, pdsch_mod_type = 0, "
-       "pdsch_rnti_type = 0, num_layers = 0\n" +
-           not_valid(0, n, c),
-       kNone,
-       {}},
-      {c, "v41 refused", golden_payload(20).le(0, 41, 1), refused(41, n, c), kNone, {}},
-      selftest(c, n),
-  };
+P session_empty(int version, int cause, uint32_t delay, int rat) {
+  return P(20).le(0, version, 1).le(10, cause, 2).le(12, delay, 4).le(16, rat, 1);
 }
 
 // Serving cell measurements: P+0 1 | P+4 25 | P+5 sub-version | P+8 earfcn(4)
@@ -615,9 +62,9 @@ constexpr meas_place kV50{50, 20, 32, 40, 52, 92};
 
 // Raw values of chain i: RSRP 1280 + 16i (-100 + i dB), RSRQ 320 + 8i
 // (-10 + i/2 dB), RSSI 640 + 16i (-70 + i dB), SNR 300 + 10i (10 + i dB).
-golden_payload srv_meas(const meas_place &m, int earfcn, int cells, int rx_valid, int pci, int idx,
-                        int serving, bool measured = true) {
-  golden_payload p(700);
+P srv_meas(const meas_place &m, int earfcn, int cells, int rx_valid, int pci, int idx, int serving,
+           bool measured = true) {
+  P p(700);
   p.le(0, 1, 1).le(1, 1, 1).le(4, 25, 1).le(5, m.sub_version, 1).le(8, earfcn, 4);
   p.le(12, cells, 2).le(14, rx_valid, 2).le(m.cell, pci | idx << 9 | serving << 12, 2);
   if (!measured) return p;
@@ -635,9 +82,9 @@ golden_payload srv_meas(const meas_place &m, int earfcn, int cells, int rx_valid
   return p;
 }
 
-golden_record srv_meas_record(int sub_version, int earfcn, int pci, int serving, int rx_valid,
-                              bool measured = true) {
-  golden_record r;
+R srv_meas_record(int sub_version, int earfcn, int pci, int serving, int rx_valid,
+                  bool measured = true) {
+  R r;
   r.u8(sub_version).u8(1).u32(earfcn).u16(pci).u8(serving).u16(rx_valid);
   for (int i = 0; i < 4; ++i) {
     if (measured) {
@@ -649,58 +96,431 @@ golden_record srv_meas_record(int sub_version, int earfcn, int pci, int serving,
   return r;
 }
 
+// The vectors are laid out as tables, one drawing per line where it fits.
+// clang-format off
+
+// ---- IMS ---------------------------------------------------------------------------
+
+G ims_rtp() {
+  const uint16_t c = 0x1568;
+  const char *n = "modem_stats_parse_1568_diag_log_ims_rtp_sn_and_payload";
+  return {
+      // P+0 version 13 | P+13 codec_type | P+22 frame_type; neighbours hold junk
+      {c, "v13",
+       P(24).le(0, 13, 1).le(12, 0xaa, 1).le(13, 5, 1).le(14, 0xbb, 1).le(21, 0xcc, 1).le(22, 3, 1)
+           .le(23, 0xdd, 1),
+       "version = 13, codec_type = 5, frame_type = 3\n", 136, R().u8(13).u8(5).u8(3)},
+      refusal(c, 12, n),
+  };
+}
+
+G ims_sip() {
+  const uint16_t c = 0x156e;
+  const char *n = "modem_stats_parse_156e_diag_log_ims_sip_message";
+  std::vector<uint8_t> long_id(254, 'x');
+  long_id.push_back(0);
+  return {
+      // P+0 1 | P+1 direction | P+2 sdp | P+3 call id len | P+4 msg len(2)
+      // P+6 logged(2) | P+8 msg_id(2) | P+10 response code(2) | P+16 call id text
+      {c, "v1 uplink with a 4-byte call id",
+       P(24).le(0, 1, 1).le(1, 1, 1).le(2, 1, 1).le(3, 4, 1).le(4, 515, 2).le(6, 256, 2)
+           .le(8, 7, 2).le(10, 200, 2).text(16, std::string("ab1\0", 4)),
+       "version = 1, direction = 1, sdp_presence = 1, sip_call_id_len = 4, sip_msg_len = 515, "
+       "sip_msg_logged_bytes = 256, msg_id = 7\n",
+       116, R().u8(1).u8(1).u8(1).u8(4).u16(515).u16(256).u16(7).bytes({'a', 'b', '1', 0})},
+      {c, "v1 without call id",
+       P(24).le(0, 1, 1).le(4, 40, 2).le(6, 40, 2).le(8, 3, 2).le(16, 0x55, 1),
+       "version = 1, direction = 0, sdp_presence = 0, sip_call_id_len = 0, sip_msg_len = 40, "
+       "sip_msg_logged_bytes = 40, msg_id = 3\n",
+       116, R().u8(1).u8(0).u8(0).u8(0).u16(40).u16(40).u16(3)},
+      {c, "v1 with the longest call id",
+       P(300).le(0, 1, 1).le(3, 255, 1).text(16, std::string(long_id.begin(), long_id.end())),
+       "version = 1, direction = 0, sdp_presence = 0, sip_call_id_len = 255, sip_msg_len = 0, "
+       "sip_msg_logged_bytes = 0, msg_id = 0\n",
+       116, R().u8(1).u8(0).u8(0).u8(255).u16(0).u16(0).u16(0).bytes(long_id)},
+      refusal(c, 2, n),
+  };
+}
+
+G ims_session_setup() {
+  const uint16_t c = 0x1830;
+  const char *n = "modem_stats_parse_1830_diag_log_ims_volte_session_setup";
+  // Every string 255 bytes: L1 at P+1, direction P+257, L2 P+258, L3 P+518,
+  // L4 P+774, result P+1030, delay P+1032, rat P+1036.
+  const P longest = P(1040).le(0, 2, 1).le(1, 255, 1).le(257, 1, 1).le(258, 255, 1)
+                        .le(518, 255, 1).le(774, 255, 1).le(1030, 603, 2).le(1036, 2, 1);
+  return {
+      {c, "v2 with four strings", session_with_strings(2, 200),
+       "version = 2, direction = 1, result = 200, call_setup_delay = 1500, rat = 3, "
+       "originating_url_len = 4, terminating_url_len = 2\n",
+       125, R().u8(2).u8(1).u16(200).u32(1500).u8(3).u8(4).u8(2)},
+      {c, "v4 with empty strings", session_empty(4, 486, 305419896, 1),
+       "version = 4, direction = 0, result = 486, call_setup_delay = 305419896, rat = 1, "
+       "originating_url_len = 0, terminating_url_len = 0\n",
+       125, R().u8(4).u8(0).u16(486).u32(305419896).u8(1).u8(0).u8(0)},
+      {c, "v2 with the longest strings", longest,
+       "version = 2, direction = 1, result = 603, call_setup_delay = 0, rat = 2, "
+       "originating_url_len = 255, terminating_url_len = 255\n",
+       125, R().u8(2).u8(1).u16(603).u32(0).u8(2).u8(255).u8(255)},
+      refusal(c, 3, n),
+  };
+}
+
+G ims_session_end() {
+  const uint16_t c = 0x1831;
+  const char *n = "modem_stats_parse_1831_diag_log_ims_volte_session_end";
+  return {
+      {c, "v6 with four strings", session_with_strings(6, 16),
+       "version = 6, direction = 1, end_cause = 16, call_setup_delay = 1500, rat = 3, "
+       "originating_url_len = 4, terminating_url_len = 2\n",
+       126, R().u8(6).u8(1).u16(16).u32(1500).u8(3).u8(4).u8(2)},
+      {c, "v2 with empty strings", session_empty(2, 65535, 0, 0),
+       "version = 2, direction = 0, end_cause = 65535, call_setup_delay = 0, rat = 0, "
+       "originating_url_len = 0, terminating_url_len = 0\n",
+       126, R().u8(2).u8(0).u16(65535).u32(0).u8(0).u8(0).u8(0)},
+      {c, "v4 with empty strings", session_empty(4, 1, 20, 2),
+       "version = 4, direction = 0, end_cause = 1, call_setup_delay = 20, rat = 2, "
+       "originating_url_len = 0, terminating_url_len = 0\n",
+       126, R().u8(4).u8(0).u16(1).u32(20).u8(2).u8(0).u8(0)},
+      refusal(c, 5, n),
+  };
+}
+
+// ---- WCDMA, GSM ----------------------------------------------------------------------
+
+G wcdma_pn_search() {
+  const uint16_t c = 0x4179;
+  const char *n = "modem_stats_parse_4179_diag_log_wcdma_pn_search_edition2";
+  return {
+      // P+0 8 | P+1..2 junk | P+3 rx_agc_old_0 s16 | P+5 rx_agc_old_1 s16 | P+7 junk
+      // dB = (raw + 512) / 10 - 106
+      {c, "v8 negative and positive levels",
+       P(8).le(0, 8, 1).le(1, 0xffff, 2).le(3, 0xfe00, 2).le(5, 88, 2).le(7, 0xff, 1),
+       "version = 8, rx_agc_old_0 = -512, rx_agc_old_1 = 88, rx_agc_0 = -106.00, "
+       "rx_agc_1 = -46.00\n",
+       110, R().u8(8).f32(-106.0f).f32(-46.0f)},
+      {c, "v8 half a decibel", P(8).le(0, 8, 1).le(3, 0xfe05, 2).le(5, 0xfe05, 2),
+       "version = 8, rx_agc_old_0 = -507, rx_agc_old_1 = -507, rx_agc_0 = -105.50, "
+       "rx_agc_1 = -105.50\n",
+       110, R().u8(8).f32(-105.5f).f32(-105.5f)},
+      refusal(c, 5, n),
+  };
+}
+
+G gsm_rx_diversity() {
+  const uint16_t c = 0x5096;
+  const char *n = "modem_stats_parse_5096_diag_log_gsm_l1_rx_diversity_metrics";
+  return {
+      // P+0 6 | P+1 rx_prx_old s16 | P+3 rx_drx_old s16 (1/16 dB) | P+5 junk
+      {c, "v6", P(8).le(0, 6, 1).le(1, 0xf9c0, 2).le(3, 0xfa18, 2).le(5, 0x7f, 1),
+       "version = 6, rx_prx_old = -1600, rx_drx_old = -1512, rx_prx = -100.00, rx_drx = -94.50\n",
+       111, R().u8(6).f32(-100.0f).f32(-94.5f)},
+      refusal(c, 7, n),
+  };
+}
+
+// ---- LTE MAC, RRC --------------------------------------------------------------------
+
+G lte_rach() {
+  const uint16_t c = 0xb062;
+  const char *n = "modem_stats_parse_b062_diag_log_lte_mac_rach_attempt";
+  // P+0 version | P+1 num_records | P+4 sub_packet_id | P+5 version_sub | P+11 rach_result
+  auto attempt = [](int records, int sub_id, int sub_version, int result) {
+    return P(12).le(0, 1, 1).le(1, records, 1).le(4, sub_id, 1).le(5, sub_version, 1)
+        .le(11, result, 1);
+  };
+  auto line = [](int records, int sub_version, int result) {
+    return "sub_id = 0, version = 1, num_records = " + std::to_string(records) +
+           ", version_sub = " + std::to_string(sub_version) + ", rach_result = " +
+           std::to_string(result) + "\n";
+  };
+  return {
+      golden_gated(c, "no attempt logged", attempt(0, 0, 0, 0), line(0, 0, -1), -1, n),
+      {c, "successful attempt", attempt(1, 6, 49, 0), "rach is success, do nothing\n", kNone, {}},
+      {c, "failed attempt", attempt(1, 6, 49, 5), line(1, 49, 5), 132, R().u8(1).u8(49).u8(5)},
+      {c, "largest result of three records", attempt(3, 6, 49, 127), line(3, 49, 127), 132,
+       R().u8(1).u8(49).u8(127)},
+      golden_gated(c, "negative result", attempt(1, 6, 49, 0x80), line(1, 49, -128), -128, n),
+      golden_gated(c, "other sub-packet", attempt(1, 7, 49, 5), "", 7, "sub_packet_id"),
+      golden_refusal(c, "sub-version 48 refused", attempt(1, 6, 48, 5), 48,
+                     "lte_mac_rach_attempt"),
+      golden_refusal(c, "version 2 refused", P(12).le(0, 2, 1).le(1, 1, 1), 2, n),
+  };
+}
+
+G lte_ul_tb() {
+  const uint16_t c = 0xb064;
+  const char *n = "modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block";
+  // P+0 1 | P+4 sub_packet_id 8 | P+5 sub_version | P+8 num_samples | samples from P+9
+  auto head = [](size_t size, int sub_id, int sub_version, int samples) {
+    return P(size).le(0, 1, 1).le(1, 1, 1).le(4, sub_id, 1).le(5, sub_version, 1)
+        .le(8, samples, 1);
+  };
+  // Sub-version 1 sample at s (12 bytes + H): s+2 u16 subframe | SFN << 4,
+  // s+4 grant(2), s+7 padding(2), s+11 H. Later sub-versions: everything +2.
+  auto sample = [](P p, int s, int sfn, int sub_fn, int grant, int pad, int h) {
+    return p.le(s + 2, sfn << 4 | sub_fn, 2).le(s + 4, grant, 2).le(s + 6, 1, 1)
+        .le(s + 7, pad, 2).le(s + 9, 2, 1).le(s + 10, 3, 1).le(s + 11, h, 1);
+  };
+  const P v1 = sample(sample(head(40, 8, 1, 2), 9, 555, 5, 125, 12, 2), 23, 574, 0, 0, 0, 0)
+                   .le(21, 0x233d, 2);  // the 2 MAC header bytes of sample 0
+  const P v2 = sample(head(30, 8, 2, 1), 9 + 2, 1023, 9, 100, 100, 0).le(10, 1, 1);
+  const P v3 = sample(head(30, 8, 3, 1), 9 + 2, 7, 2, 50, 25, 0);
+  const P v5 = sample(sample(head(50, 8, 5, 2), 9 + 2, 10, 0, 40, 10, 3), 26 + 2, 11, 0, 60, 0, 0)
+                   .le(23, 0xffffff, 3);  // sample 0's 3 header bytes
+  const std::string zero =
+      "LTE FSSR: [0][0], pad = 0, grant = 0, sfn_grant = 0.00, sfn_full = 0.00\n";
+  auto rec = [](int sub_version, int samples, int first, int last, int pad, int grant,
+                float sfn_grant, float sfn_full) {
+    return R().u8(1).u8(sub_version).u8(samples).u16(first).u16(last).u32(pad).u32(grant)
+        .f32(sfn_grant).f32(sfn_full);
+  };
+  return {
+      {c, "sub v1, one granted and one empty TTI", v1,
+       "LTE FSSR: [555][574], pad = 12, grant = 125, sfn_grant = 50.00, sfn_full = 90.40\n", 114,
+       rec(1, 2, 555, 574, 12, 125, 50.0f, 90.4f)},
+      {c, "sub v2, all padding", v2,
+       "LTE FSSR: [1023][1023], pad = 100, grant = 100, sfn_grant = 100.00, sfn_full = 0.00\n", 114,
+       rec(2, 1, 1023, 1023, 100, 100, 100.0f, 0.0f)},
+      {c, "sub v3, half padding", v3,
+       "LTE FSSR: [7][7], pad = 25, grant = 50, sfn_grant = 100.00, sfn_full = 50.00\n", 114,
+       rec(3, 1, 7, 7, 25, 50, 100.0f, 50.0f)},
+      {c, "sub v5, header bytes between samples", v5,
+       "LTE FSSR: [10][11], pad = 10, grant = 100, sfn_grant = 100.00, sfn_full = 90.00\n", 114,
+       rec(5, 2, 10, 11, 10, 100, 100.0f, 90.0f)},
+      {c, "sub v8, nothing granted", head(30, 8, 8, 1), zero, 114, rec(8, 1, 0, 0, 0, 0, 0, 0)},
+      golden_gated(c, "no samples", head(30, 8, 1, 0), zero, 0, n),
+      golden_gated(c, "more samples than fit", head(30, 8, 1, 255), zero, 255, n),
+      golden_gated(c, "other sub-packet", head(30, 9, 1, 1), "", 9, n),
+      golden_refusal(c, "sub-version 4 refused", head(30, 8, 4, 1), 4, n),
+      golden_refusal(c, "version 2 refused", P(30).le(0, 2, 1), 2, n),
+  };
+}
+
+G lte_serving_cell_info() {
+  const uint16_t c = 0xb0c2;
+  const char *n = "modem_stats_parse_b0c2_diag_log_lte_rrc_serving_cell_info";
+  // P+0 3 | P+1 pci(2) | P+3 dl_earfcn(4) | P+7 ul_earfcn(4) | P+11/12 bandwidths
+  // P+13 cgi(4) | P+17 tac(2) | P+19 band(4) | P+23 mcc(2) | P+25 mnc_num | P+26 mnc(2)
+  const P v3 = P(30).le(0, 3, 1).le(1, 301, 2).le(3, 1825, 4).le(7, 19825, 4).le(11, 0x6464, 2)
+                   .le(13, 27439044, 4).le(17, 12345, 2).le(19, 3, 4).le(23, 460, 2).le(25, 2, 1)
+                   .le(26, 11, 2).le(28, 0xff, 1);
+  return {
+      {c, "v3", v3, "version = 3, mcc = 460, mnc_num 2, mnc 11, tac 12345, cgi 27439044, pci 301\n",
+       129, R().u8(3).u16(301).u32(1825).u32(27439044).u16(12345).u32(3).u16(460).u8(2).u16(11)},
+      refusal(c, 2, n),
+  };
+}
+
+// ---- LTE physical layer -------------------------------------------------------------
+
+G lte_rx_agc() {
+  const uint16_t c = 0xb111;
+  const char *n = "modem_stats_parse_b111_diag_log_lte_ll1_rx_agc";
+  // P+0 version | P+1 bits 0-4 num_records | 40-byte records from P+8:
+  //   +0 bits 0-1 rx chain | +8 u16 bits 0-11 RSSI; dB = (raw - 1024) / 4
+  const P v164 = P(130).le(0, 164, 1)
+                     .le(1, 0xe3, 1)            // 3 records, junk above
+                     .le(8, 0xfd, 1)            // chain 1
+                     .le(16, 0xf000 | 1064, 2)  // junk above bit 11
+                     .le(48, 0xfc, 1)           // chain 0
+                     .le(56, 624, 2)
+                     .le(88, 1, 1)              // chain 1 again: ignored
+                     .le(96, 2000, 2);
+  return {
+      {c, "v164, first record per chain", v164,
+       "version = 164, num_records = 3, rssi0_i = 624, rssi1_i = 1064, rssi2_i = 0, rssi3_i = 0\n",
+       96, R().u8(164).u8(3).f32(-100.0f).f32(10.0f).f32(-256.0f).f32(-256.0f)},
+      {c, "v166, chain 3 only", P(50).le(0, 166, 1).le(1, 1, 1).le(8, 3, 1).le(16, 1024, 2),
+       "version = 166, num_records = 1, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, rssi3_i = 1024\n",
+       96, R().u8(166).u8(1).f32(-256.0f).f32(-256.0f).f32(-256.0f).f32(0.0f)},
+      golden_gated(c, "no records", P(50).le(0, 164, 1).le(1, 0xe0, 1),
+                   "version = 164, num_records = 0, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, "
+                   "rssi3_i = 0\n", 0, n),
+      refusal(c, 21, n),
+  };
+}
+
+G lte_pusch_csf() {
+  const uint16_t c = 0xb14e;
+  const char *n = "modem_stats_parse_b14e_diag_log_lte_pusch_csf";
+  // pb 36 rank_idx (2) | pb 47 wideband_cqi_cw0 (4) | pb 51 wideband_cqi_cw1 (4); junk beside
+  // every field
+  const P set = P(16).le(0, 163, 1).bits(35, 1, 1).bits(36, 1, 2).bits(38, 1, 1).bits(46, 1, 1)
+                    .bits(47, 13, 4).bits(51, 9, 4).bits(55, 1, 1);
+  return {
+      {c, "v163 all zero", P(16).le(0, 163, 1),
+       "version = 163, rank_idx = 0, wideband_cqi_cw0 = 0\n", 84, R().u8(163).u8(0).u8(0).u8(0)},
+      {c, "v163 rank index 1, CQI 13 and 9", set,
+       "version = 163, rank_idx = 1, wideband_cqi_cw0 = 13\n", 84, R().u8(163).u8(1).u8(13).u8(9)},
+      refusal(c, 162, n),
+  };
+}
+
+G lte_tx_power() {
+  const uint16_t c = 0xb16d;
+  const char *n = "modem_stats_parse_b16d_diag_log_lte_tx_power";
+  // P+0 49 | P+3 num | records from P+4. Record at s:
+  //   s+4 24-bit word: bit 0 PUSCH, SFN << 4 | s+7 bit 1: 14-byte ACK/NAK mask (else 2)
+  //   s+8+M u16: Tx power s8 in bits 6-13 | body at s+10+M:
+  //   u32 #0 bits 28-30 modulation | u32 #1 bits 7-13 RBs, 14-18 MCS
+  const P mixed = P(100).le(0, 49, 1).le(3, 2, 1)
+                      // record 0 at P+4: PUCCH, short mask, 36 bytes
+                      .le(8, 100 << 4, 3).le(12, 0xffff, 2)
+                      .le(14, 0xfb << 6, 2)   // -5 dBm
+                      .le(16, 0x70000000, 4)  // not a PUSCH body: ignored
+                      // record 1 at P+40: PUSCH, long mask, 48 bytes
+                      .le(44, 1 | 101 << 4, 3).le(47, 0x02, 1).le(48, 0xffffffff, 4)
+                      .le(62, 23 << 6, 2).le(64, 2u << 28, 4).le(68, 50 << 7 | 17 << 14, 4);
+  const P pusch_only = P(60).le(0, 49, 1).le(3, 1, 1).le(8, 1, 3)
+                           .le(14, 0xd8 << 6, 2)  // -40 dBm
+                           .le(16, 4u << 28, 4).le(20, 100 << 7 | 28 << 14, 4);
+  const std::string zeros =
+      "pucch_tx_power 0, pusch_num_res_blocks = 0, pusch_modulation_type = 0, "
+      "pusch_tx_power = 0, pusch_mcs = 0\n";
+  return {
+      {c, "PUCCH then PUSCH with a long mask", mixed,
+       "version = 49, num = 2, pucch_tx_power -5, pusch_num_res_blocks = 50, "
+       "pusch_modulation_type = 2, pusch_tx_power = 23, pusch_mcs = 17\n",
+       83, R().u8(49).u8(2).u8(0xfb).u8(50).u8(2).u8(23).u8(17)},
+      {c, "PUSCH only", pusch_only,
+       "version = 49, num = 1, pucch_tx_power 0, pusch_num_res_blocks = 100, "
+       "pusch_modulation_type = 4, pusch_tx_power = -40, pusch_mcs = 28\n",
+       83, R().u8(49).u8(1).u8(0).u8(100).u8(4).u8(0xd8).u8(28)},
+      golden_gated(c, "no records", P(60).le(0, 49, 1), "version = 49, num = 0, " + zeros, 0, n),
+      golden_gated(c, "more records than fit", P(60).le(0, 49, 1).le(3, 255, 1),
+                   "version = 49, num = 255, " + zeros, 255, n),
+      refusal(c, 48, n),
+  };
+}
+
+// Power control: P+0 version | P+3 num_records | 12-byte records from P+4 (pb 32).
+std::string power_line(const char *power, int version, int records, int tx, int loss) {
+  return "version = " + std::to_string(version) + ", num_records = " + std::to_string(records) +
+         ", " + power + " " + std::to_string(tx) + ", dl_path_loss " + std::to_string(loss) + "\n";
+}
+
+G lte_pusch_power_control() {
+  const uint16_t c = 0xb16e;
+  const char *n = "modem_stats_parse_b16e_diag_log_lte_pusch_power_control";
+  auto line = [](int version, int records, int tx, int loss) {
+    return power_line("pusch_tx_power", version, records, tx, loss);
+  };
+  return {
+      // v5: Tx power pb 46 (8), path loss pb 86 (8)
+      {c, "v5", P(20).le(0, 5, 1).le(3, 1, 1).le(4, 0x0805863b, 4).le(8, 0x1d400902, 4)
+                    .le(12, 0x000b3c00, 4),
+       line(5, 1, 22, 117), 98, R().u8(5).u8(1).u8(22).u8(117)},
+      // v4: Tx power pb 46, path loss pb 78; junk where v5 keeps its path loss
+      {c, "v4", P(30).le(0, 4, 1).le(3, 2, 1).bits(46, 10, 8).bits(78, 120, 8).bits(86, 0x55, 8),
+       line(4, 2, 10, 120), 98, R().u8(4).u8(2).u8(10).u8(120)},
+      // v25: Tx power pb 49, path loss pb 86
+      {c, "v25", P(20).le(0, 25, 1).le(3, 1, 1).bits(49, 33, 8).bits(86, 99, 8),
+       line(25, 1, 33, 99), 98, R().u8(25).u8(1).u8(33).u8(99)},
+      {c, "most records that fit", P(20).le(0, 5, 1).le(3, 166, 1).bits(46, 7, 8),
+       line(5, 166, 7, 0), 98, R().u8(5).u8(166).u8(7).u8(0)},
+      golden_gated(c, "more records than fit", P(20).le(0, 5, 1).le(3, 167, 1).bits(46, 7, 8),
+                   line(5, 167, 0, 0), 167, n),
+      golden_gated(c, "no records", P(20).le(0, 5, 1), line(5, 0, 0, 0), 0, n),
+      refusal(c, 6, n),
+  };
+}
+
+G lte_pucch_power_control() {
+  const uint16_t c = 0xb16f;
+  const char *n = "modem_stats_parse_b16f_diag_log_lte_pucch_power_control";
+  auto line = [](int version, int records, int tx, int loss) {
+    return power_line("pucch_tx_power", version, records, tx, loss);
+  };
+  return {
+      // v4: Tx power pb 46 (8, unsigned), path loss pb 75 (7); pb 82 is junk
+      {c, "v4", P(20).le(0, 4, 1).le(3, 1, 1).le(4, 0x24805e3c, 4).le(8, 0x0003a800, 4)
+                    .bits(82, 1, 1),
+       line(4, 1, 1, 117), 128, R().u8(4).u8(1).u8(1).u8(117)},
+      {c, "v4 power is unsigned", P(20).le(0, 4, 1).le(3, 1, 1).bits(46, 0xfd, 8),
+       line(4, 1, 253, 0), 128, R().u8(4).u8(1).u8(0xfd).u8(0)},
+      // v24: Tx power signed, path loss 8 bits
+      {c, "v24", P(20).le(0, 24, 1).le(3, 1, 1).bits(46, 0xfd, 8).bits(75, 200, 8),
+       line(24, 1, -3, 200), 128, R().u8(24).u8(1).u8(0xfd).u8(200)},
+      golden_gated(c, "no records", P(20).le(0, 24, 1), line(24, 0, 0, 0), 0, n),
+      refusal(c, 5, n),
+  };
+}
+
+G lte_pdsch_stat() {
+  const uint16_t c = 0xb173;
+  const char *n = "modem_stats_parse_b173_diag_log_lte_pdsch_stat_indication";
+  // P+0 version | P+1 num_records | 40-byte records from P+4. Record 0:
+  //   P+7 num_layers | TB 0 from P+16: P+17 bits 0-3 RNTI type, P+20 TB size(2),
+  //   P+22 mcs, P+23 RBs, P+24 modulation order
+  auto pdsch = [](int version, int records, int mcs, int rb, int mod, int rnti, int layers) {
+    return P(90).le(0, version, 1).le(1, records, 1).le(4, 0x04013103, 4).le(7, layers, 1)
+        .le(16, 0xc1, 1)
+        .le(17, 0xa0 | rnti, 1)  // junk in the high nibble
+        .le(20, 1000, 2).le(22, mcs, 1).le(23, rb, 1).le(24, mod, 1)
+        .le(62, 0xff, 1);        // record 1's MCS: ignored
+  };
+  auto line = [](int version, int records, int mcs, int rb, int mod, int rnti, int layers) {
+    char s[200];
+    std::snprintf(s, sizeof s,
+                  "version = %d, num_records = %d, pdsch_mcs = %d, pdsch_rb = %d, "
+                  "pdsch_mod_type = %d, pdsch_rnti_type = %d, num_layers = %d\n",
+                  version, records, mcs, rb, mod, rnti, layers);
+    return std::string(s);
+  };
+  // A packet whose record 0 is read and packed as drawn.
+  auto decoded = [&](const char *what, int version, int records, int mcs, int rb, int mod,
+                     int rnti, int layers) {
+    return modem_stats_golden{c, what, pdsch(version, records, mcs, rb, mod, rnti, layers),
+                              line(version, records, mcs, rb, mod, rnti, layers), 93,
+                              R().u8(version).u8(records).u8(mcs).u8(rb).u8(mod).u8(rnti)
+                                  .u8(layers)};
+  };
+  return {
+      decoded("v48 two records", 48, 2, 27, 100, 6, 5, 2),
+      decoded("v39", 39, 1, 0, 1, 2, 0, 1),
+      decoded("v40", 40, 1, 5, 50, 4, 15, 4),
+      decoded("v49 most records that fit", 49, 49, 9, 6, 8, 1, 1),
+      golden_gated(c, "more records than fit", pdsch(48, 50, 9, 6, 8, 1, 1),
+                   line(48, 50, 0, 0, 0, 0, 0), 50, n),
+      golden_gated(c, "no records", pdsch(48, 0, 9, 6, 8, 1, 1), line(48, 0, 0, 0, 0, 0, 0), 0, n),
+      refusal(c, 41, n),
+  };
+}
+
 G lte_srv_meas() {
   const uint16_t c = 0xb193;
   const char *n = "modem_stats_parse_b193_diag_log_lte_srv_meas";
+  auto line = [](int sub_version, int earfcn, int rx_valid, int pci, int serving, int idx,
+                 int cells) {
+    char s[200];
+    std::snprintf(s, sizeof s,
+                  "version = %d, earfcn = %d, rx_valid = %d, pci = %d, is_srv_cell = %d, "
+                  "srv_cell_idx = %d, num_cells = %d\n",
+                  sub_version, earfcn, rx_valid, pci, serving, idx, cells);
+    return std::string(s);
+  };
   return {
-      {c, "sub v36 PCell", srv_meas(kV36, 1825, 1, 3, 73, 0, 1),
-       "version = 36, earfcn = 1825, rx_valid = 3, pci = 73, is_srv_cell = 1, srv_cell_idx = 0, "
-       "num_cells = 1\n",
+      {c, "sub v36 PCell", srv_meas(kV36, 1825, 1, 3, 73, 0, 1), line(36, 1825, 3, 73, 1, 0, 1),
        25, srv_meas_record(36, 1825, 73, 1, 3)},
       {c, "sub v40 SCell", srv_meas(kV40, 39150, 2, 15, 501, 2, 1),
-       "version = 40, earfcn = 39150, rx_valid = 15, pci = 501, is_srv_cell = 1, "
-       "srv_cell_idx = 2, num_cells = 2\n",
-       53, srv_meas_record(40, 39150, 501, 1, 15)},
+       line(40, 39150, 15, 501, 1, 2, 2), 53, srv_meas_record(40, 39150, 501, 1, 15)},
       {c, "sub v48 neighbour, most cells that fit", srv_meas(kV48, 66486, 14, 1, 511, 0, 0),
-       "version = 48, earfcn = 66486, rx_valid = 1, pci = 511, is_srv_cell = 0, srv_cell_idx = 0, "
-       "num_cells = 14\n",
-       64, srv_meas_record(48, 66486, 511, 0, 1)},
+       line(48, 66486, 1, 511, 0, 0, 14), 64, srv_meas_record(48, 66486, 511, 0, 1)},
       {c, "sub v50 PCell, raw zeros", srv_meas(kV50, 100, 1, 3, 1, 0, 1, false),
-       "version = 50, earfcn = 100, rx_valid = 3, pci = 1, is_srv_cell = 1, srv_cell_idx = 0, "
-       "num_cells = 1\n",
-       25, srv_meas_record(50, 100, 1, 1, 3, false)},
-      {c,
-       "no cells",
-       srv_meas(kV36, 1825, 0, 3, 73, 0, 1),
-       "version = 36, earfcn = 1825, rx_valid = 3, pci = 0, is_srv_cell = 0, srv_cell_idx = 0, "
-       "num_cells = 0\n" +
-           not_valid(0, n, c),
-       kNone,
-       {}},
-      {c,
-       "more cells than fit",
-       srv_meas(kV36, 1825, 16, 3, 73, 0, 1),
-       "version = 36, earfcn = 1825, rx_valid = 3, pci = 0, is_srv_cell = 0, srv_cell_idx = 0, "
-       "num_cells = 16\n" +
-           not_valid(16, n, c),
-       kNone,
-       {}},
-      {c,
-       "other sub-packet",
-       golden_payload(30).le(0, 1, 1).le(4, 26, 1).le(5, 36, 1),
-       not_valid(26, n, c),
-       kNone,
-       {}},
-      {c,
-       "sub-version 37 refused",
-       golden_payload(30).le(0, 1, 1).le(4, 25, 1).le(5, 37, 1),
-       refused(37, n, c),
-       kNone,
-       {}},
-      {c, "version 2 refused", golden_payload(30).le(0, 2, 1), refused(2, n, c), kNone, {}},
-      selftest(c, n),
+       line(50, 100, 3, 1, 1, 0, 1), 25, srv_meas_record(50, 100, 1, 1, 3, false)},
+      golden_gated(c, "no cells", srv_meas(kV36, 1825, 0, 3, 73, 0, 1),
+                   line(36, 1825, 3, 0, 0, 0, 0), 0, n),
+      golden_gated(c, "more cells than fit", srv_meas(kV36, 1825, 16, 3, 73, 0, 1),
+                   line(36, 1825, 3, 0, 0, 0, 16), 16, n),
+      golden_gated(c, "other sub-packet", P(30).le(0, 1, 1).le(4, 26, 1).le(5, 36, 1), "", 26, n),
+      golden_refusal(c, "sub-version 37 refused", P(30).le(0, 1, 1).le(4, 25, 1).le(5, 37, 1),
+                     37, n),
+      golden_refusal(c, "version 2 refused", P(30).le(0, 2, 1), 2, n),
   };
 }
+
+// clang-format on
 
 }  // namespace
 
