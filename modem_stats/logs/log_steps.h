@@ -11,34 +11,55 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 
 #include "modem_stats/modem_stats_cursor.h"
 
-// Finds the row of `table` whose `version` member equals `version`; when none
-// does, the version gate refuses the packet under `name` and null is returned.
+// Reads the version of `bytes` bytes at the cursor and gates it against
+// `accepted` under `name`; on success moves the bit base past it.
+inline bool modem_stats_log_open(std::span<const uint32_t> accepted, const char *name,
+                                 uint32_t *version, int bytes = 1) {
+  uint64_t v = 0;
+  if (!modem_stats_unpk_u("version", bytes, &v)) return false;
+  *version = static_cast<uint32_t>(v);
+  if (!modem_stats_version_gate(*version, accepted, name)) return false;
+  modem_stats_base_with_bit();
+  return true;
+}
+
+// The `version` members of a layout table, in its order.
 template <typename Layout, size_t N>
-const Layout *modem_stats_log_layout_for(uint32_t version, const Layout (&table)[N],
-                                         const char *name) {
-  std::array<uint32_t, N> accepted{};
-  for (size_t i = 0; i < N; ++i) accepted[i] = table[i].version;
-  if (!modem_stats_version_gate(version, accepted, name)) return nullptr;
+constexpr std::array<uint32_t, N> modem_stats_log_versions(const Layout (&table)[N]) {
+  std::array<uint32_t, N> versions{};
+  for (size_t i = 0; i < N; ++i) versions[i] = table[i].version;
+  return versions;
+}
+
+// The row of `table` for a version its gate accepted.
+template <typename Layout, size_t N>
+const Layout *modem_stats_log_row(uint32_t version, const Layout (&table)[N]) {
   for (const Layout &row : table) {
     if (row.version == version) return &row;
   }
   return nullptr;  // unreachable: the gate accepted one of the rows
 }
 
-// Reads the one-byte version at the cursor and gates it against `table`; on
-// success moves the bit base past it and returns the version's row.
+// Finds the row of `table` whose `version` member equals `version`; when none
+// does, the version gate refuses the packet under `name` and null is returned.
+template <typename Layout, size_t N>
+const Layout *modem_stats_log_layout_for(uint32_t version, const Layout (&table)[N],
+                                         const char *name) {
+  if (!modem_stats_version_gate(version, modem_stats_log_versions(table), name)) return nullptr;
+  return modem_stats_log_row(version, table);
+}
+
+// modem_stats_log_open against the versions of `table`; returns the version's
+// row, or null when the read or the gate failed.
 template <typename Layout, size_t N>
 const Layout *modem_stats_log_read_version(const Layout (&table)[N], const char *name,
-                                           uint32_t *version) {
-  uint64_t v = 0;
-  if (!modem_stats_unpk_u("version", 1, &v)) return nullptr;
-  *version = static_cast<uint32_t>(v);
-  const Layout *row = modem_stats_log_layout_for(*version, table, name);
-  if (row != nullptr) modem_stats_base_with_bit();
-  return row;
+                                           uint32_t *version, int bytes = 1) {
+  if (!modem_stats_log_open(modem_stats_log_versions(table), name, version, bytes)) return nullptr;
+  return modem_stats_log_row(*version, table);
 }
 
 // Reads a field that is known to be a small unsigned value into an int.
@@ -47,6 +68,24 @@ inline bool modem_stats_log_bits(const modem_stats_field &f, int extra_bits, int
   if (!modem_stats_unpk_bits(f, extra_bits, &v)) return false;
   *out = static_cast<int>(v);
   return true;
+}
+
+// Reads a sub-packet header whose id must be `id` (else the packet is not
+// valid under `name`) and whose version picks the row of `table`. Returns the
+// row, or null when a read, the id check or the version gate failed.
+template <typename Layout, size_t N>
+const Layout *modem_stats_log_sub_packet(const modem_stats_field &id_field, int id,
+                                         const modem_stats_field &version_field,
+                                         const Layout (&table)[N], const char *name,
+                                         int *sub_version) {
+  int sub_packet_id = 0;
+  if (!modem_stats_log_bits(id_field, 0, &sub_packet_id)) return nullptr;
+  if (sub_packet_id != id) {
+    modem_stats_not_valid(sub_packet_id, name);
+    return nullptr;
+  }
+  if (!modem_stats_log_bits(version_field, 0, sub_version)) return nullptr;
+  return modem_stats_log_layout_for(static_cast<uint32_t>(*sub_version), table, name);
 }
 
 // True when `count` records of `record_bytes` from byte `first_byte` of the

@@ -77,17 +77,11 @@ bool walk_samples(const sample_layout &l, int num_samples, tb_totals *t) {
 
 bool modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block(uint32_t *stat_id,
                                                                 modem_stats_single **record) {
-  uint64_t version = 0;
-  if (!modem_stats_unpk_u("version", 1, &version)) return false;
-  if (!modem_stats_version_gate(static_cast<uint32_t>(version), kVersions, kName)) return false;
-  modem_stats_base_with_bit();
-
-  int sub_packet_id = 0, sub_version = 0, num_samples = 0;
-  if (!modem_stats_log_bits(kSubPacketIdField, 0, &sub_packet_id)) return false;
-  if (sub_packet_id != kSubPacketId) return modem_stats_not_valid(sub_packet_id, kName);
-  if (!modem_stats_log_bits(kSubVersion, 0, &sub_version)) return false;
-  const sample_layout *l =
-      modem_stats_log_layout_for(static_cast<uint32_t>(sub_version), kSampleLayouts, kName);
+  uint32_t version = 0;
+  if (!modem_stats_log_open(kVersions, kName, &version)) return false;
+  int sub_version = 0, num_samples = 0;
+  const sample_layout *l = modem_stats_log_sub_packet(kSubPacketIdField, kSubPacketId, kSubVersion,
+                                                      kSampleLayouts, kName, &sub_version);
   if (l == nullptr) return false;
   if (!modem_stats_log_bits(kNumSamples, 0, &num_samples)) return false;
 

@@ -27,10 +27,8 @@ constexpr modem_stats_field kRachResult{"rach_result", 24, 8};
 
 bool modem_stats_parse_b062_diag_log_lte_mac_rach_attempt(uint32_t *stat_id,
                                                           modem_stats_single **record) {
-  uint64_t version = 0;
-  if (!modem_stats_unpk_u("version", 1, &version)) return false;
-  if (!modem_stats_version_gate(static_cast<uint32_t>(version), kVersions, kName)) return false;
-  modem_stats_base_with_bit();
+  uint32_t version = 0;
+  if (!modem_stats_log_open(kVersions, kName, &version)) return false;
 
   int num_records = 0;
   if (!modem_stats_log_bits(kNumRecords, 0, &num_records)) return false;

@@ -391,19 +391,12 @@ bool modem_stats_parse_b173_diag_log_lte_pdsch_stat_indication(uint32_t *stat_id
 
 bool modem_stats_parse_b193_diag_log_lte_srv_meas(uint32_t *stat_id, modem_stats_single **record) {
   constexpr const char *kName = "modem_stats_parse_b193_diag_log_lte_srv_meas";
-  uint64_t version = 0;
-  if (!modem_stats_unpk_u("version", 1, &version)) return false;
-  if (!modem_stats_version_gate(static_cast<uint32_t>(version), kSrvMeasVersions, kName)) {
-    return false;
-  }
-  modem_stats_base_with_bit();
-
-  int sub_packet_id = 0, sub_version = 0;
-  if (!modem_stats_log_bits(kSrvMeasSubPacketIdField, 0, &sub_packet_id)) return false;
-  if (sub_packet_id != kSrvMeasSubPacketId) return modem_stats_not_valid(sub_packet_id, kName);
-  if (!modem_stats_log_bits(kSrvMeasSubVersion, 0, &sub_version)) return false;
+  uint32_t version = 0;
+  if (!modem_stats_log_open(kSrvMeasVersions, kName, &version)) return false;
+  int sub_version = 0;
   const srv_meas_layout *l =
-      modem_stats_log_layout_for(static_cast<uint32_t>(sub_version), kSrvMeasLayouts, kName);
+      modem_stats_log_sub_packet(kSrvMeasSubPacketIdField, kSrvMeasSubPacketId, kSrvMeasSubVersion,
+                                 kSrvMeasLayouts, kName, &sub_version);
   if (l == nullptr) return false;
 
   int64_t earfcn = 0;

@@ -56,12 +56,7 @@ struct modem_stats_nr5g_layout {
 // the gate failed (both have printed why).
 template <typename Row, size_t R>
 const Row *modem_stats_nr5g_open(const Row (&rows)[R], const char *parser, uint32_t *version) {
-  uint64_t v = 0;
-  if (!modem_stats_unpk_u("version", 4, &v)) return nullptr;
-  *version = static_cast<uint32_t>(v);
-  const Row *row = modem_stats_log_layout_for(*version, rows, parser);
-  if (row != nullptr) modem_stats_base_with_bit();
-  return row;
+  return modem_stats_log_read_version(rows, parser, version, MODEM_STATS_NR5G_BASE_BIT / 8);
 }
 
 // True when the 8-byte word that reading `f` in a record starting
