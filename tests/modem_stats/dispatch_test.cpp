@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -10,37 +8,16 @@
 
 namespace {
 
-template <typename Rows, typename Key>
-void expect_unique_and_sorted(const Rows &rows, Key key, const char *what) {
-  for (size_t i = 1; i < rows.size(); ++i) {
-    EXPECT_LT(key(rows[i - 1]), key(rows[i])) << what << " row " << i;
-  }
-}
-
-TEST(ModemStatsTables, SortedUniqueAndNamedAfterTheirCode) {
+// The dispatchers look rows up by binary search; a row out of order is never
+// found. (What each row points at is pinned by the golden packets and the event
+// cases, which run every row.)
+TEST(ModemStatsTables, SortedAndComplete) {
   const auto logs = modem_stats_log_table();
   const auto events = modem_stats_event_table();
   EXPECT_EQ(logs.size(), 33u);
   EXPECT_EQ(events.size(), 16u);
-  expect_unique_and_sorted(
-      logs, [](const auto &r) { return r.code; }, "log");
-  expect_unique_and_sorted(
-      events, [](const auto &r) { return r.id; }, "event");
-
-  // A row whose name does not carry its own code points at the wrong parser.
-  char want[64];
-  for (const auto &r : logs) {
-    snprintf(want, sizeof want, "modem_stats_parse_%04x_diag_log_", r.code);
-    EXPECT_EQ(std::string(r.name).rfind(want, 0), 0u) << r.name;
-    EXPECT_NE(r.parse, nullptr) << r.name;
-  }
-  std::set<uint32_t> event_stat_ids;
-  for (const auto &r : events) {
-    snprintf(want, sizeof want, "modem_stats_parse_%04d_diag_event_", r.id);
-    EXPECT_EQ(std::string(r.name).rfind(want, 0), 0u) << r.name;
-    EXPECT_TRUE(event_stat_ids.insert(r.stat_id).second) << r.name;
-    EXPECT_GE(r.record_len, 1);
-  }
+  for (size_t i = 1; i < logs.size(); ++i) EXPECT_LT(logs[i - 1].code, logs[i].code) << i;
+  for (size_t i = 1; i < events.size(); ++i) EXPECT_LT(events[i - 1].id, events[i].id) << i;
 }
 
 struct DispatchCase {

@@ -199,10 +199,6 @@ G wcdma_pn_search() {
        "version = 8, rx_agc_old_0 = -512, rx_agc_old_1 = 88, rx_agc_0 = -106.00, "
        "rx_agc_1 = -46.00\n",
        110, R().u8(8).f32(-106.0f).f32(-46.0f)},
-      {c, "v8 half a decibel", P(8).le(0, 8, 1).le(3, 0xfe05, 2).le(5, 0xfe05, 2),
-       "version = 8, rx_agc_old_0 = -507, rx_agc_old_1 = -507, rx_agc_0 = -105.50, "
-       "rx_agc_1 = -105.50\n",
-       110, R().u8(8).f32(-105.5f).f32(-105.5f)},
       refusal(c, 5, n),
   };
 }
@@ -349,8 +345,6 @@ G lte_pusch_csf() {
   const P set = P(16).le(0, 163, 1).bits(35, 1, 1).bits(36, 1, 2).bits(38, 1, 1).bits(46, 1, 1)
                     .bits(47, 13, 4).bits(51, 9, 4).bits(55, 1, 1);
   return {
-      {c, "v163 all zero", P(16).le(0, 163, 1),
-       "version = 163, rank_idx = 0, wideband_cqi_cw0 = 0\n", 84, R().u8(163).u8(0).u8(0).u8(0)},
       {c, "v163 rank index 1, CQI 13 and 9", set,
        "version = 163, rank_idx = 1, wideband_cqi_cw0 = 13\n", 84, R().u8(163).u8(1).u8(13).u8(9)},
       refusal(c, 162, n),

@@ -57,6 +57,7 @@ outcome run(uint16_t code, const std::vector<uint8_t> &bytes) {
   return o;
 }
 
+// Records compare as hex text, so a mismatch shows which bytes differ.
 std::string hex(const std::vector<uint8_t> &b) {
   std::string s;
   char h[4];
