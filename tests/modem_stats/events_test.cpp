@@ -1,9 +1,11 @@
 // Event parsers: payload bytes in, exact text, stat_id and record bytes out.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
+#include "modem_stats/logs/golden_build.h"
 #include "modem_stats/modem_stats_dispatch.h"
 #include "modem_stats/modem_stats_events.h"
 #include "support/capture_stdout.h"
@@ -34,19 +36,6 @@ Result run_event(uint16_t id, const Bytes &payload) {
   return r;
 }
 
-// The category-7 self-test packet.
-Bytes self_test_packet() {
-  Bytes p(108, 0);
-  p[0] = 0x09;
-  p[2] = 0x04;
-  p[15] = 0x01;
-  p[18] = 0xff;
-  p[21] = 0x08;
-  p[22] = 0x01;
-  p[25] = 0x01;
-  return p;
-}
-
 struct Golden {
   uint16_t id;
   const char *what;
@@ -69,7 +58,7 @@ std::string rrc_stats_line(int last, int current) {
 }
 
 TEST(ModemStatsEvents, SelfTestPacketUnderEveryId) {
-  const Bytes st = self_test_packet();
+  const Bytes st = golden_selftest_payload();
   const Bytes sip = {0x09, 0x00, 0x04, 0x00};
   // clang-format off
   const Golden cases[] = {
@@ -159,11 +148,10 @@ TEST(ModemStatsEvents, ReadFailuresNameTheField) {
     Bytes area(MODEM_STATS_READABLE_LEN, 0);
     modem_stats_cursor_reset(c.id, c.left < 0 ? nullptr : area.data());
     if (c.left >= 0) g_pk_data_left = c.left;
-    const modem_stats_event_row *row = nullptr;
-    for (const auto &r : modem_stats_event_table()) {
-      if (r.id == c.id) row = &r;
-    }
-    ASSERT_NE(row, nullptr);
+    const auto table = modem_stats_event_table();
+    const auto row =
+        std::find_if(table.begin(), table.end(), [&](auto &r) { return r.id == c.id; });
+    ASSERT_NE(row, table.end());
     uint32_t stat_id = MODEM_STATS_NO_RECORD;
     modem_stats_single *record = nullptr;
     EXPECT_EQ(capture_stdout([&] { EXPECT_FALSE(row->parse(&stat_id, &record)); }), c.want);
