@@ -35,17 +35,6 @@ TEST(ShowHelp, SelectsOnlyTheAskedSection) {
   }
 }
 
-TEST(ShowHelp, SectionsComeInCategoryOrder) {
-  const std::string out = capture_stdout([] { show_help(0); });
-  size_t last = 0;
-  for (const char *h : kSectionHeaders) {
-    const size_t at = out.find(h);
-    ASSERT_NE(at, std::string::npos) << h;
-    EXPECT_GT(at, last) << h;
-    last = at;
-  }
-}
-
 TEST(LogLine, ConsoleAndAndroidShapes) {
   const std::string out = capture_stdout([] {
     VELMAR_LOGF("velmar_nv_read", "buf_len: %d", 365);

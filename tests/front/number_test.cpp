@@ -53,45 +53,26 @@ TEST(VelmarHexStringToInt, FiftyDigitsAreRead) {
   EXPECT_EQ(velmar_hex_string_to_int(""), 0);
 }
 
-// Byte i holds 0x20 + i: a blank first, printable after.
-void fill_nv() {
+TEST(DumpData, LayoutAndQuirks) {
+  // Byte i holds 0x20 + i: a blank first, printable after.
   for (size_t i = 0; i < VELMAR_NV_DATA_BUF_SIZE; ++i) {
     g_nv_data_buf[i] = static_cast<uint8_t>(0x20 + i % 0x60);
   }
-}
-
-struct DumpCase {
-  uint32_t length;
-  const char *want;
-};
-
-TEST(DumpData, LayoutAndQuirks) {
-  fill_nv();
-  const std::string blanks48(48, ' ');
   const std::string line16 = "20 21 22 23 24 25 26 27 28 29 2a 2b 2c 2d 2e 2f ";
-  const DumpCase cases[] = {
+  const struct {
+    uint32_t length;
+    std::string want;
+  } cases[] = {
       {0, "\n"},
       {static_cast<uint32_t>(-1), "\n"},
+      {3, "20 21 22 " + std::string(42, ' ') + "  !\n\n"},
       // A multiple of 16: the last line is padded whole and has no text column.
-      {16, nullptr},
+      {16, line16 + std::string(51, ' ') + "\n\n"},
       // One full line (text column shifted one byte left), then a one-byte line.
-      {17, nullptr},
-      {3, nullptr},
+      {17, line16 + "     !\"#$%&'()*+,-.\n30 " + std::string(48, ' ') + "/\n\n"},
   };
   for (const auto &c : cases) {
-    std::string got = capture_stdout([&] { dump_data(c.length); });
-    std::string want;
-    if (c.want != nullptr) {
-      want = c.want;
-    } else if (c.length == 3) {
-      want = "20 21 22 " + std::string(13 * 3 + 3, ' ') + "  !\n\n";
-    } else if (c.length == 16) {
-      want = line16 + blanks48 + "   \n\n";
-    } else {
-      want =
-          line16 + "   " + "  !\"#$%&'()*+,-." + "\n" + "30 " + std::string(45, ' ') + "   /\n\n";
-    }
-    EXPECT_EQ(got, want) << "length " << c.length;
+    EXPECT_EQ(capture_stdout([&] { dump_data(c.length); }), c.want) << "length " << c.length;
   }
 }
 

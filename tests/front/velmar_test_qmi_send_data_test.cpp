@@ -1,5 +1,6 @@
-// Category 6 command lines refused before any request: the exact console
-// text, help section included.
+// Category 6 command lines refused before any request (the qmi_id range
+// refusals are pinned end to end): the exact console text, help section
+// included.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -16,13 +17,10 @@ struct CmdCase {
 };
 
 TEST(VelmarTestQmiSendDataDo, RefusalsPrintANoteAndTheSection) {
-  const std::string range = "\nnote: the second parameters(qmi_id) should be >= 0 && < 6\n";
   const CmdCase cases[] = {
       {{"rpk", "6", "2"}, "\nnote: Too few parameters, Pls refer to the following cmd:\n"},
       {{"rpk", "7", "2", "1"},
        "\nnote: the first parameters should be 6, Pls refer to the following cmd:\n"},
-      {{"rpk", "6", "6", "1"}, range},
-      {{"rpk", "6", "-1", "1"}, range},
   };
   for (const auto &c : cases) {
     std::string out;
