@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -13,28 +15,24 @@ std::string hex_line(const uint8_t *data, uint32_t len) {
 }
 
 TEST(PrintDataWithHex, OneLineOfUpperCaseHex) {
-  const uint8_t bytes[] = {0x4b, 0x04, 0x0e, 0x00, 0xff};
+  std::vector<uint8_t> bytes(4097, 0xab);
+  const uint8_t head[] = {0x4b, 0x04, 0x0e, 0x00, 0xff};
+  std::copy(std::begin(head), std::end(head), bytes.begin());
+  std::string all = "4B 04 0E 00 FF";
+  for (int i = 5; i < 4096; ++i) all += " AB";  // the longest line has room for all of them
+  const std::string fn = "RIL[velmar_print_data_with_hex:N]: ";
   const struct {
     uint32_t len;
-    const char *want;
+    std::string want;
   } cases[] = {
-      {1, "RIL[velmar_print_data_with_hex:N]: data hex show, len(1), data: 4B\n"},
-      {5, "RIL[velmar_print_data_with_hex:N]: data hex show, len(5), data: 4B 04 0E 00 FF\n"},
-      {0, "RIL[velmar_print_data_with_hex:N]: print_data_with_hex, invalid data len(0)\n"},
-      {4097, "RIL[velmar_print_data_with_hex:N]: print_data_with_hex, invalid data len(4097)\n"},
+      {1, fn + "data hex show, len(1), data: 4B\n"},
+      {5, fn + "data hex show, len(5), data: 4B 04 0E 00 FF\n"},
+      {4096, fn + "data hex show, len(4096), data: " + all + "\n"},
+      {0, fn + "print_data_with_hex, invalid data len(0)\n"},
+      {4097, fn + "print_data_with_hex, invalid data len(4097)\n"},
   };
-  for (const auto &c : cases) EXPECT_EQ(hex_line(bytes, c.len), c.want) << c.len;
-  EXPECT_EQ(hex_line(nullptr, 3),
-            "RIL[velmar_print_data_with_hex:N]: print_data_with_hex, data is null\n");
-}
-
-TEST(PrintDataWithHex, FullLengthFitsTheLine) {
-  std::vector<uint8_t> big(4096, 0xAB);
-  const std::string out = hex_line(big.data(), 4096);
-  std::string want = "AB";
-  for (int i = 1; i < 4096; ++i) want += " AB";
-  EXPECT_EQ(out,
-            "RIL[velmar_print_data_with_hex:N]: data hex show, len(4096), data: " + want + "\n");
+  for (const auto &c : cases) EXPECT_EQ(hex_line(bytes.data(), c.len), c.want) << c.len;
+  EXPECT_EQ(hex_line(nullptr, 3), fn + "print_data_with_hex, data is null\n");
 }
 
 }  // namespace
