@@ -120,32 +120,18 @@ TEST(QmiIdlCodec, DecodingErrors) {
   }
 }
 
-TEST(QmiIdlCodec, OptionalTlvSetsItsValidByte) {
-  velmar_extend_qmi_msg_v01 m{};
-  ASSERT_EQ(
-      decode_envelope(
-          cat({tlv(0x01, {0, 0, 0, 0}), tlv(0x02, {0, 0, 0, 0}), tlv(0x10, Bytes(512, 0))}), &m),
-      0);
-  EXPECT_EQ(m.data_valid, 1);
-}
-
 TEST(QmiIdlCodec, EncodingErrors) {
   velmar_extend_qmi_msg_v01 m{};
   m.data_valid = 1;
   Bytes out(600);
   uint32_t len = 0;
-  EXPECT_EQ(rpk_qmi::encode_message(extend(), QMI_IDL_REQUEST, 0x0005, &m, sizeof m, out.data(),
-                                    600, &len),
-            QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND);
-  EXPECT_EQ(rpk_qmi::encode_message(extend(), QMI_IDL_REQUEST, 0x0002, &m, sizeof m, out.data(),
-                                    528, &len),
-            QMI_IDL_LIB_BUFFER_TOO_SMALL);
-  EXPECT_EQ(
-      rpk_qmi::encode_message(extend(), QMI_IDL_REQUEST, 0x0002, nullptr, 0, out.data(), 600, &len),
-      QMI_IDL_LIB_PARAMETER_ERROR);
-  EXPECT_EQ(rpk_qmi::encode_message(extend(), QMI_IDL_INDICATION, 0x0002, &m, sizeof m, out.data(),
-                                    600, &len),
-            QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND);
+  auto encode = [&](qmi_idl_type_of_message_type kind, uint16_t id, const void *c, uint32_t room) {
+    return rpk_qmi::encode_message(extend(), kind, id, c, c ? sizeof m : 0, out.data(), room, &len);
+  };
+  EXPECT_EQ(encode(QMI_IDL_REQUEST, 0x0005, &m, 600), QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND);
+  EXPECT_EQ(encode(QMI_IDL_REQUEST, 0x0002, &m, 528), QMI_IDL_LIB_BUFFER_TOO_SMALL);
+  EXPECT_EQ(encode(QMI_IDL_REQUEST, 0x0002, nullptr, 600), QMI_IDL_LIB_PARAMETER_ERROR);
+  EXPECT_EQ(encode(QMI_IDL_INDICATION, 0x0002, &m, 600), QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND);
 }
 
 TEST(QmiIdlCodec, SarResponseCarriesTheStandardResultAsTwoU16) {
@@ -192,31 +178,18 @@ struct KindsMsg {
 constexpr size_t kBig = offsetof(KindsMsg, big);
 constexpr size_t kBigLen = offsetof(KindsMsg, big_len);
 static_assert(kBig - offsetof(KindsMsg, big_valid) < 16);
+// clang-format off
 const uint8_t kKindsElements[] = {
-    0x01,
-    QMI_IDL_GENERIC_1_BYTE,
-    offsetof(KindsMsg, a),  //
-    0x02,
-    QMI_IDL_GENERIC_2_BYTE,
-    offsetof(KindsMsg, b),  //
-    0x03,
-    QMI_IDL_GENERIC_8_BYTE,
-    offsetof(KindsMsg, c),  //
-    0x04,
-    0x51,
-    offsetof(KindsMsg, list),
-    5,
-    offsetof(KindsMsg, list_len),
+    0x01, QMI_IDL_GENERIC_1_BYTE, offsetof(KindsMsg, a),
+    0x02, QMI_IDL_GENERIC_2_BYTE, offsetof(KindsMsg, b),
+    0x03, QMI_IDL_GENERIC_8_BYTE, offsetof(KindsMsg, c),
+    0x04, 0x51, offsetof(KindsMsg, list), 5, offsetof(KindsMsg, list_len),
     static_cast<uint8_t>(0xC0 | (kBig - offsetof(KindsMsg, big_valid))),
-    0x11,
-    0xF0,
-    static_cast<uint8_t>(kBig),
-    static_cast<uint8_t>(kBig >> 8),
-    0x2C,
-    0x01,  // max 300
-    static_cast<uint8_t>(kBigLen),
-    static_cast<uint8_t>(kBigLen >> 8),
+    0x11, 0xF0, static_cast<uint8_t>(kBig), static_cast<uint8_t>(kBig >> 8),
+    0x2C, 0x01,  // max 300
+    static_cast<uint8_t>(kBigLen), static_cast<uint8_t>(kBigLen >> 8),
 };
+// clang-format on
 const qmi_idl_message_table_entry kKindsMessages[] = {{sizeof(KindsMsg), kKindsElements}};
 extern const qmi_idl_type_table_object kKindsTable;
 const qmi_idl_type_table_object *kKindsRefs[] = {&kKindsTable};
