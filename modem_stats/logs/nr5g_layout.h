@@ -88,3 +88,16 @@ inline bool modem_stats_nr5g_read_all(std::span<const modem_stats_field> fields,
   }
   return true;
 }
+
+// Makes the record of a parser that packs its row as read: the version word,
+// then v[i] as `width` bytes under the name of fields[i], for every i.
+inline bool modem_stats_nr5g_pack_row(uint32_t version, std::span<const modem_stats_field> fields,
+                                      const int64_t *v, int width, uint32_t stat, uint32_t *stat_id,
+                                      modem_stats_single **record) {
+  modem_stats_pk_begin();
+  if (!modem_stats_pk("version", version, 4)) return false;
+  for (size_t i = 0; i < fields.size(); ++i) {
+    if (!modem_stats_pk(fields[i].name, static_cast<uint64_t>(v[i]), width)) return false;
+  }
+  return modem_stats_pk_finish(stat, stat_id, record);
+}

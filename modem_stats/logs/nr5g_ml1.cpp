@@ -130,14 +130,7 @@ bool modem_stats_parse_b981_diag_log_nr5g_ml1_fc_information(uint32_t *stat_id,
       I(v[B981_TYPE]), I(v[B981_LEVEL_LAST]), I(v[B981_LEVEL_CURRENT]));
   if (v[B981_NUM_ACTION] == 0) return modem_stats_not_valid(v[B981_NUM_ACTION], __func__);
 
-  return modem_stats_log_pack({modem_stats_pk_int("version", version, 4),
-                               modem_stats_pk_int("state_last", v[B981_STATE_LAST], 1),
-                               modem_stats_pk_int("state_current", v[B981_STATE_CURRENT], 1),
-                               modem_stats_pk_int("num_action", v[B981_NUM_ACTION], 1),
-                               modem_stats_pk_int("action_type", v[B981_TYPE], 1),
-                               modem_stats_pk_int("level_last", v[B981_LEVEL_LAST], 1),
-                               modem_stats_pk_int("level_current", v[B981_LEVEL_CURRENT], 1)},
-                              145, stat_id, record);
+  return modem_stats_nr5g_pack_row(version, row->f, v, 1, 145, stat_id, record);
 }
 
 bool modem_stats_parse_b98f_diag_log_nr5g_ml1_antenna_switch_diversity(
@@ -152,11 +145,5 @@ bool modem_stats_parse_b98f_diag_log_nr5g_ml1_antenna_switch_diversity(
       "version = %d, ant_rx_0_old = %d, ant_rx_0_new = %d, ant_rx_1_old = %d, ant_rx_1_new = %d, "
       "ant_rx_2_old = %d, ant_rx_2_new = %d\n",
       I(version), I(v[0]), I(v[1]), I(v[2]), I(v[3]), I(v[4]), I(v[5]));
-
-  modem_stats_pk_begin();
-  if (!modem_stats_pk("version", version, 4)) return false;
-  for (int i = 0; i < B98F_N; ++i) {
-    if (!modem_stats_pk(k_b98f_names[i], static_cast<uint64_t>(v[i]), 1)) return false;
-  }
-  return modem_stats_pk_finish(113, stat_id, record);
+  return modem_stats_nr5g_pack_row(version, row->f, v, 1, 113, stat_id, record);
 }

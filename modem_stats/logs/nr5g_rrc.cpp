@@ -100,13 +100,5 @@ bool modem_stats_parse_b825_diag_log_nr5g_rrc_configuration_info(uint32_t *stat_
       "num_active_cc = %d, num_nrdc_scg_active_cc = %d, num_active_rb = %d\n",
       I(version), I(v[B825_GROUPS]), I(v[B825_NRDC_GROUPS]), I(v[B825_ACTIVE_CC]),
       I(v[B825_NRDC_ACTIVE_CC]), I(v[B825_ACTIVE_RB]));
-
-  return modem_stats_log_pack(
-      {modem_stats_pk_int("version", version, 4),
-       modem_stats_pk_int("num_contiguous_cc_groups", v[B825_GROUPS], 1),
-       modem_stats_pk_int("num_nrdc_scg_contiguous_cc_groups", v[B825_NRDC_GROUPS], 1),
-       modem_stats_pk_int("num_active_cc", v[B825_ACTIVE_CC], 1),
-       modem_stats_pk_int("num_nrdc_scg_active_cc", v[B825_NRDC_ACTIVE_CC], 1),
-       modem_stats_pk_int("num_active_rb", v[B825_ACTIVE_RB], 1)},
-      97, stat_id, record);
+  return modem_stats_nr5g_pack_row(version, row->f, v, 1, 97, stat_id, record);
 }
