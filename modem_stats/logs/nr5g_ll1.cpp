@@ -61,6 +61,17 @@ constexpr modem_stats_nr5g_layout<SNR_N> k_b8dd[] = {
     {0x7, {F("snr0", 76, 32), F("snr1", 80, 32), F("snr2", 84, 32), F("snr3", 88, 32)}},
 };
 
+// Both SNR packets are read the same way: the four raw words, and the chains
+// in decibels from them.
+template <size_t R>
+bool read_snr(const modem_stats_nr5g_layout<SNR_N> (&rows)[R], const char *parser,
+              uint32_t *version, int64_t (&raw)[SNR_N], float (&snr)[SNR_N]) {
+  const auto *row = modem_stats_nr5g_open(rows, parser, version);
+  if (row == nullptr || !modem_stats_nr5g_read_all(row->f, 0, raw)) return false;
+  for (int i = 0; i < SNR_N; ++i) snr[i] = modem_stats_nr5g_snr(static_cast<uint32_t>(raw[i]));
+  return true;
+}
+
 // Both SNR packets make the same record: the version and the four chains in
 // decibels.
 bool pack_snr(uint32_t stat, uint32_t version, const float (&snr)[SNR_N], uint32_t *stat_id,
@@ -149,12 +160,9 @@ bool modem_stats_parse_b8d2_diag_log_nr5g_ll1_fw_mac_tx_iu_power(uint32_t *stat_
 bool modem_stats_parse_b8d8_diag_log_nr5g_ll1_log_serving_snr(uint32_t *stat_id,
                                                               modem_stats_single **record) {
   uint32_t version = 0;
-  const auto *row = modem_stats_nr5g_open(k_b8d8, __func__, &version);
-  if (row == nullptr) return false;
   int64_t raw[SNR_N];
-  if (!modem_stats_nr5g_read_all(row->f, 0, raw)) return false;
   float snr[SNR_N];
-  for (int i = 0; i < SNR_N; ++i) snr[i] = modem_stats_nr5g_snr(static_cast<uint32_t>(raw[i]));
+  if (!read_snr(k_b8d8, __func__, &version, raw, snr)) return false;
 
   printf("version = %d, snr0 = %d, snr1 = %d, snr2 = %d, snr3 = %d\n", I(version), I(raw[0]),
          I(raw[1]), I(raw[2]), I(raw[3]));
@@ -164,12 +172,9 @@ bool modem_stats_parse_b8d8_diag_log_nr5g_ll1_log_serving_snr(uint32_t *stat_id,
 bool modem_stats_parse_b8dd_diag_log_nr5g_ll1_fw_serving_ftl(uint32_t *stat_id,
                                                              modem_stats_single **record) {
   uint32_t version = 0;
-  const auto *row = modem_stats_nr5g_open(k_b8dd, __func__, &version);
-  if (row == nullptr) return false;
   int64_t raw[SNR_N];
-  if (!modem_stats_nr5g_read_all(row->f, 0, raw)) return false;
   float snr[SNR_N];
-  for (int i = 0; i < SNR_N; ++i) snr[i] = modem_stats_nr5g_snr(static_cast<uint32_t>(raw[i]));
+  if (!read_snr(k_b8dd, __func__, &version, raw, snr)) return false;
 
   printf("version = %d, snr0 = %.2f, snr1 = %.2f, snr2 = %.2f, snr3 = %.2f\n", I(version), snr[0],
          snr[1], snr[2], snr[3]);
