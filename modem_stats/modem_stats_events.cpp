@@ -5,16 +5,16 @@
 #include <cstdio>
 #include <initializer_list>
 
+#include "modem_stats/logs/log_steps.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
 
-// A value read from the payload, kept with the width it is packed with.
-struct ev_field {
-  const char *name;
-  int width;  // bytes, as read and as packed
-  uint64_t value = 0;
-};
+// A value read from the payload: an item of the record as it is read, so a
+// field packed with its read width goes into the pack list as it is.
+using ev_field = modem_stats_pk_item;
+ev_field field(const char *name, int width) { return modem_stats_pk_int(name, 0, width); }
+ev_field skip(int width) { return field(nullptr, width); }
 
 // Reads the fields in order; a field named null is that many bytes skipped.
 bool read_fields(std::initializer_list<ev_field *> fields) {
@@ -28,40 +28,25 @@ bool read_fields(std::initializer_list<ev_field *> fields) {
   return true;
 }
 
-struct pk_item {
-  const char *name;
-  uint64_t value;
-  int width;
-};
-
-bool pack(std::initializer_list<pk_item> items, uint32_t stat_id, uint32_t *stat_id_out,
-          modem_stats_single **record_out) {
-  modem_stats_pk_begin();
-  for (const pk_item &it : items) {
-    if (!modem_stats_pk(it.name, it.value, it.width)) return false;
-  }
-  return modem_stats_pk_finish(stat_id, stat_id_out, record_out);
-}
-
 int as_int(const ev_field &f) { return static_cast<int>(f.value); }
 
 // The six SIP session events share one layout and differ in their stat_id.
 bool parse_sip_session(uint32_t stat_id_made, uint32_t *stat_id, modem_stats_single **record) {
-  ev_field sip_call_id{"sip_call_id", 4};
+  ev_field sip_call_id = field("sip_call_id", 4);
   if (!read_fields({&sip_call_id})) return false;
   printf("sip_call_id = %d\n", as_int(sip_call_id));
-  return pack({{"sip_call_id", sip_call_id.value, 4}}, stat_id_made, stat_id, record);
+  return modem_stats_log_pack({sip_call_id}, stat_id_made, stat_id, record);
 }
 
 // EMM timer expiry, LTE and NR alike. The 4 after the timer id is part of the
 // record as the statistics side has always received it.
 bool parse_emm_timer(const char *label, uint32_t stat_id_made, uint32_t *stat_id,
                      modem_stats_single **record) {
-  ev_field timer_id{"timer_id", 1};
+  ev_field timer_id = field("timer_id", 1);
   if (!read_fields({&timer_id})) return false;
   printf("%s, sub_id = %d, timer_id = %d\n", label, 0, as_int(timer_id));
-  return pack({{"timer_id", timer_id.value, 1}, {"timer_tail", 4, 1}}, stat_id_made, stat_id,
-              record);
+  return modem_stats_log_pack({timer_id, modem_stats_pk_int("timer_tail", 4, 1)}, stat_id_made,
+                              stat_id, record);
 }
 
 // ---- 1606 LTE RRC state change -------------------------------------------
@@ -78,7 +63,8 @@ uint8_t rrc_state_last = 0;
 bool modem_stats_update_1606_diag_event_lte_rrc_state_change(uint8_t state, uint32_t *stat_id,
                                                              modem_stats_single **record) {
   printf("sub_id = %d, rrc_state_current_in = %d\n", 0, state);
-  return pack({{"rrc_state_current", state, 1}}, 5, stat_id, record);
+  return modem_stats_log_pack({modem_stats_pk_int("rrc_state_current", state, 1)}, 5, stat_id,
+                              record);
 }
 
 bool modem_stats_update_1606_diag_event_lte_rrc_state_change_stats(int state, uint32_t *stat_id,
@@ -110,8 +96,10 @@ bool modem_stats_update_1606_diag_event_lte_rrc_state_change_stats(int state, ui
     printf("----%s, New Connected and Old other state, rrc_setup_count = %d, sub_id %d\n", kRrc, 1,
            0);
     if (stat_id != nullptr && record != nullptr) {
-      made = pack({{"rrc_active_time", 0, 4}, {"rrc_setup_count", 1, 4}, {"rrc_new_setup", 1, 1}},
-                  127, stat_id, record);
+      made = modem_stats_log_pack(
+          {modem_stats_pk_int("rrc_active_time", 0, 4), modem_stats_pk_int("rrc_setup_count", 1, 4),
+           modem_stats_pk_int("rrc_new_setup", 1, 1)},
+          127, stat_id, record);
     }
   }
   rrc_state_last = static_cast<uint8_t>(current);
@@ -122,7 +110,7 @@ void modem_stats_reset_1606_diag_event_lte_rrc_state() { rrc_state_last = 0; }
 
 bool modem_stats_parse_1606_diag_event_lte_rrc_state_change(uint32_t *stat_id,
                                                             modem_stats_single **record) {
-  ev_field state{"rrc_state_current", 1};
+  ev_field state = field("rrc_state_current", 1);
   if (!read_fields({&state})) return false;
   const auto current = static_cast<uint8_t>(state.value);
   // The state record gets a real home so that the statistics step runs; the
@@ -147,23 +135,20 @@ bool modem_stats_parse_1606_diag_event_lte_rrc_state_change(uint32_t *stat_id,
 
 bool modem_stats_parse_0629_diag_event_cm_call_event_orig(uint32_t *stat_id,
                                                           modem_stats_single **record) {
-  ev_field call_id{"call_id", 1}, call_type{"call_type", 1}, srv_type{"srv_type", 1};
+  ev_field call_id = field("call_id", 1), call_type = field("call_type", 1),
+           srv_type = field("srv_type", 1);
   if (!read_fields({&call_id, &call_type, &srv_type})) return false;
   printf("call_id = %d, call_type = %d, srv_type = %d\n", as_int(call_id), as_int(call_type),
          as_int(srv_type));
-  return pack({{"call_id", call_id.value, 1},
-               {"call_type", call_type.value, 1},
-               {"srv_type", srv_type.value, 1}},
-              117, stat_id, record);
+  return modem_stats_log_pack({call_id, call_type, srv_type}, 117, stat_id, record);
 }
 
 bool modem_stats_parse_0631_diag_event_cm_call_event_end(uint32_t *stat_id,
                                                          modem_stats_single **record) {
-  ev_field num_calls{"num_calls", 1}, call_id{"call_id", 1};
+  ev_field num_calls = field("num_calls", 1), call_id = field("call_id", 1);
   if (!read_fields({&num_calls, &call_id})) return false;
   printf("num_calls = %d, call_id = %d\n", as_int(num_calls), as_int(call_id));
-  return pack({{"num_calls", num_calls.value, 1}, {"call_id", call_id.value, 1}}, 118, stat_id,
-              record);
+  return modem_stats_log_pack({num_calls, call_id}, 118, stat_id, record);
 }
 
 bool modem_stats_parse_1428_diag_event_ims_sip_session_start(uint32_t *stat_id,
@@ -203,21 +188,18 @@ bool modem_stats_parse_1632_diag_event_lte_emm_timer_expiry(uint32_t *stat_id,
 
 bool modem_stats_parse_1995_diag_event_lte_rrc_radio_link_failure_stat(
     uint32_t *stat_id, modem_stats_single **record) {
-  ev_field connected{"rlf_count_rrc_connected", 2}, active{"rlf_count_lte_active", 2},
-      cause{"rlf_cause", 2};
+  ev_field connected = field("rlf_count_rrc_connected", 2),
+           active = field("rlf_count_lte_active", 2), cause = field("rlf_cause", 2);
   if (!read_fields({&connected, &active, &cause})) return false;
   printf("sub_id = %d, rlf_count_rrc_connected = %d, rlf_count_lte_active = %d, rlf_cause = %d\n",
          0, as_int(connected), as_int(active), as_int(cause));
-  return pack({{"rlf_count_rrc_connected", connected.value, 2},
-               {"rlf_count_lte_active", active.value, 2},
-               {"rlf_cause", cause.value, 2}},
-              131, stat_id, record);
+  return modem_stats_log_pack({connected, active, cause}, 131, stat_id, record);
 }
 
 bool modem_stats_parse_2568_diag_event_lte_rrc_new_cell_ind_ext_earfcn(
     uint32_t *stat_id, modem_stats_single **record) {
   constexpr int kHandover = 2;
-  ev_field cause{"cause", 1}, freq{"freq", 4}, pci{"pci", 2};
+  ev_field cause = field("cause", 1), freq = field("freq", 4), pci = field("pci", 2);
   if (!read_fields({&cause, &freq, &pci})) return false;
   printf("cause = %d, freq = %d, pci = %d\n", as_int(cause), as_int(freq), as_int(pci));
   // Only a handover is of interest; its time and type are not in the event.
@@ -226,16 +208,17 @@ bool modem_stats_parse_2568_diag_event_lte_rrc_new_cell_ind_ext_earfcn(
         as_int(cause), "modem_stats_parse_2568_diag_event_lte_rrc_new_cell_ind_ext_earfcn");
   }
   printf("ho_time = %ld, ho_type = %d, pci = %d\n", 0L, 1, as_int(pci));
-  return pack(
-      {{"ho_time", 0, 8}, {"ho_type", 1, 1}, {"freq", freq.value, 4}, {"pci", pci.value, 2}}, 109,
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("ho_time", 0, 8), modem_stats_pk_int("ho_type", 1, 1), freq, pci}, 109,
       stat_id, record);
 }
 
 bool modem_stats_parse_2622_diag_event_mcs_trm_asdiv(uint32_t *stat_id,
                                                      modem_stats_single **record) {
-  ev_field skip1{nullptr, 1}, old_config{"old_config", 1}, new_config{"new_config", 1},
-      skip2{nullptr, 2}, ant_number{"ant_number", 1}, ant_switch_path{"ant_switch_path", 2},
-      sig_path{"sig_path", 2};
+  ev_field skip1 = skip(1), old_config = field("old_config", 1),
+           new_config = field("new_config", 1), skip2 = skip(2),
+           ant_number = field("ant_number", 1), ant_switch_path = field("ant_switch_path", 2),
+           sig_path = field("sig_path", 2);
   if (!read_fields(
           {&skip1, &old_config, &new_config, &skip2, &ant_number, &ant_switch_path, &sig_path})) {
     return false;
@@ -245,22 +228,17 @@ bool modem_stats_parse_2622_diag_event_mcs_trm_asdiv(uint32_t *stat_id,
       "new_config = %d\n",
       0, as_int(ant_number), as_int(ant_switch_path), as_int(sig_path), as_int(old_config),
       as_int(new_config));
-  return pack({{"version", 0, 1},
-               {"ant_number", ant_number.value, 1},
-               {"ant_switch_path", ant_switch_path.value, 2},
-               {"sig_path", sig_path.value, 2},
-               {"old_config", old_config.value, 1},
-               {"new_config", new_config.value, 1}},
-              100, stat_id, record);
+  return modem_stats_log_pack({modem_stats_pk_int("version", 0, 1), ant_number, ant_switch_path,
+                               sig_path, old_config, new_config},
+                              100, stat_id, record);
 }
 
 bool modem_stats_parse_3184_diag_event_nr5g_rrc_new_cell_ind_v2ssb(uint32_t *stat_id,
                                                                    modem_stats_single **record) {
-  ev_field ssb_freq{"ssb_freq", 4}, pci{"pci", 2}, bw{"bw", 1};
+  ev_field ssb_freq = field("ssb_freq", 4), pci = field("pci", 2), bw = field("bw", 1);
   if (!read_fields({&ssb_freq, &pci, &bw})) return false;
   printf("ssb_freq = %d, pci = %d, bw = %d\n", as_int(ssb_freq), as_int(pci), as_int(bw));
-  return pack({{"ssb_freq", ssb_freq.value, 4}, {"pci", pci.value, 2}, {"bw", bw.value, 1}}, 92,
-              stat_id, record);
+  return modem_stats_log_pack({ssb_freq, pci, bw}, 92, stat_id, record);
 }
 
 bool modem_stats_parse_3215_diag_event_nr5g_emm_timer_expiry(uint32_t *stat_id,
@@ -270,8 +248,8 @@ bool modem_stats_parse_3215_diag_event_nr5g_emm_timer_expiry(uint32_t *stat_id,
 
 bool modem_stats_parse_3243_diag_event_event_nr5g_rrc_scg_failure(uint32_t *stat_id,
                                                                   modem_stats_single **record) {
-  ev_field skip{nullptr, 32}, cause{"scg_failure_cause", 2};
-  if (!read_fields({&skip, &cause})) return false;
+  ev_field gap = skip(32), cause = field("scg_failure_cause", 2);
+  if (!read_fields({&gap, &cause})) return false;
   printf("sub_id = %d, scg_failure_cause = %d\n", 0, as_int(cause));
-  return pack({{"scg_failure_cause", cause.value, 2}}, 138, stat_id, record);
+  return modem_stats_log_pack({cause}, 138, stat_id, record);
 }

@@ -1,6 +1,6 @@
 // Steps shared by the log-packet parsers, built only from the cursor's calls:
 // picking a version's layout, bounding record counts and packing a record from
-// a list of fields.
+// a list of fields (the event parsers pack theirs the same way).
 //
 // Parsers print their summary line with printf rather than through
 // tessera_log_buf: several summaries run past its 101 characters, and a cut
