@@ -95,15 +95,35 @@ const Row *find_row(const std::array<Row, N> &table, uint16_t key, uint16_t Row:
   return it != table.end() && (*it).*field == key ? &*it : nullptr;
 }
 
-// The cursor is reset only for a payload; a missing one is reported with the
-// id of the packet before, which is all the cursor knows at that point.
-bool start_packet(uint16_t id, uint8_t *payload) {
+// Both dispatchers after their own line: no record yet, the cursor on the
+// payload, then the parser of `id` when the table has one. The cursor is
+// reset only for a payload; a missing one is reported with the id of the
+// packet before, which is all the cursor knows at that point.
+template <typename Row, size_t N>
+bool run_parser(const std::array<Row, N> &table, uint16_t Row::*key, uint16_t id, uint8_t *payload,
+                uint32_t *stat_id, modem_stats_single **record) {
+  *stat_id = MODEM_STATS_NO_RECORD;
+  *record = nullptr;
   if (payload == nullptr) {
     printf("MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x%x)\n", g_pk_data_id);
     return false;
   }
   modem_stats_cursor_reset(id, payload);
-  return true;
+  const Row *row = find_row(table, id, key);
+  return row != nullptr && row->parse(stat_id, record);
+}
+
+using record_dispatcher = bool (*)(uint16_t id, uint8_t *payload, uint32_t *stat_id,
+                                   modem_stats_single **record);
+
+// Runs a dispatcher for a caller that has no use for the record; freeing it
+// keeps a long run from growing.
+bool drop_record(record_dispatcher dispatch, uint16_t id, uint8_t *payload) {
+  uint32_t stat_id = 0;
+  modem_stats_single *record = nullptr;
+  const bool made = dispatch(id, payload, &stat_id, &record);
+  modem_stats_free_single(record);
+  return made;
 }
 
 // The self-test packet: log version 9; 262153 as the first 32-bit word.
@@ -126,40 +146,24 @@ std::span<const modem_stats_event_row> modem_stats_event_table() { return kEvent
 
 bool modem_stats_diag_process_log_rec(uint16_t log_code, uint8_t *payload, uint32_t *stat_id,
                                       modem_stats_single **record) {
-  *stat_id = MODEM_STATS_NO_RECORD;
-  *record = nullptr;
   printf("modem_stats_diag_process_log_ex: log_id 0x%x, length %d, sub_id = %d\n", log_code,
          kPrintedLength, kPrintedSubId);
-  if (!start_packet(log_code, payload)) return false;
-  const modem_stats_log_row *row = find_row(kLogTable, log_code, &modem_stats_log_row::code);
-  return row != nullptr && row->parse(stat_id, record);
+  return run_parser(kLogTable, &modem_stats_log_row::code, log_code, payload, stat_id, record);
 }
 
 bool modem_stats_diag_process_event_rec(uint16_t event_id, uint8_t *payload, uint32_t *stat_id,
                                         modem_stats_single **record) {
-  *stat_id = MODEM_STATS_NO_RECORD;
-  *record = nullptr;
   printf("modem_stats_diag_process_event_ex: event_id %d, length %d, sub_id = %d\n", event_id,
          kPrintedLength, kPrintedSubId);
-  if (!start_packet(event_id, payload)) return false;
-  const modem_stats_event_row *row = find_row(kEventTable, event_id, &modem_stats_event_row::id);
-  return row != nullptr && row->parse(stat_id, record);
+  return run_parser(kEventTable, &modem_stats_event_row::id, event_id, payload, stat_id, record);
 }
 
 void modem_stats_diag_process_log_ex(uint16_t log_code, uint8_t *payload) {
-  uint32_t stat_id = 0;
-  modem_stats_single *record = nullptr;
-  modem_stats_diag_process_log_rec(log_code, payload, &stat_id, &record);
-  // Nobody here uses the record; freeing it keeps a long run from growing.
-  modem_stats_free_single(record);
+  drop_record(modem_stats_diag_process_log_rec, log_code, payload);
 }
 
 bool modem_stats_diag_process_event_ex(uint16_t event_id, uint8_t *payload) {
-  uint32_t stat_id = 0;
-  modem_stats_single *record = nullptr;
-  const bool made = modem_stats_diag_process_event_rec(event_id, payload, &stat_id, &record);
-  modem_stats_free_single(record);
-  return made;
+  return drop_record(modem_stats_diag_process_event_rec, event_id, payload);
 }
 
 int velmar_test_modem_stats_log_or_event(int argc, char **argv) {
