@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 
 #include "modem_stats/modem_stats_conv.h"
@@ -49,6 +50,59 @@ TEST(ModemStatsConv, KnownValues) {
   };
   for (const auto &c : cases) {
     EXPECT_EQ(c.got, c.want) << c.what;
+  }
+}
+
+// The rounding rule, written out the long way: each decimal digit comes from
+// a correctly rounded single-precision product of |v|, the third decides the
+// second, and the digits are summed as hundredths.
+float reference_round(float v) {
+  const float a = std::fabs(v);
+  auto digit = [a](double scale) {
+    const float product =
+        static_cast<float>(static_cast<double>(a) * scale);  // exact, then rounded
+    return static_cast<long long>(std::floor(product)) % 10;
+  };
+  long long hundredths = static_cast<long long>(std::floor(a)) * 100 + digit(10) * 10 + digit(100);
+  if (digit(1000) >= 5) ++hundredths;
+  const float r = static_cast<float>(static_cast<long double>(hundredths) / 100.0L);
+  return v < 0 ? -r : r;
+}
+
+struct Sweep {
+  const char *what;
+  float (*conv)(int32_t);
+  long double (*exact)(long long);  // the formula before rounding
+  int32_t from, to, step;
+};
+
+TEST(ModemStatsConv, SweepAgainstReference) {
+  // clang-format off
+  const Sweep sweeps[] = {
+      {"i2f_rsrp", modem_stats_i2f_rsrp, [](long long x) { return (x - 640) / 16.0L - 140; }, -5000, 5000, 1},
+      {"i2f_rsrq", modem_stats_i2f_rsrq, [](long long x) { return x / 16.0L - 30; }, -2000, 2000, 1},
+      {"i2f_rssi", modem_stats_i2f_rssi, [](long long x) { return x / 16.0L - 110; }, -2000, 4000, 1},
+      {"i2f_snr", modem_stats_i2f_snr, [](long long x) { return x / 10.0L - 20; }, -1000, 1000, 1},
+      {"nr5g_rsrp", modem_stats_nr5g_rsrp, [](long long x) { return x / 128.0L; }, -40000, 40000, 1},
+      {"nr5g_rsrq", modem_stats_nr5g_rsrq, [](long long x) { return x / 128.0L; }, -40000, 40000, 7},
+      {"nr5g_rssi", modem_stats_nr5g_rssi, [](long long x) { return (x - 4096) / 8.0L; }, -10000, 10000, 1},
+      {"lte_rssi", modem_stats_lte_rssi, [](long long x) { return (x - 1024) / 4.0L; }, -5000, 5000, 1},
+      {"wcdma_rssi", modem_stats_wcdma_rssi, [](long long x) { return (x + 512) / 10.0L - 106; }, -5000, 5000, 1},
+      {"gsm_rssi", modem_stats_gsm_rssi, [](long long x) { return x / 16.0L; }, -5000, 5000, 1},
+      {"nr5g_snr", [](int32_t x) { return modem_stats_nr5g_snr(static_cast<uint32_t>(x)); },
+       [](long long x) { return 10.0L * std::log10(x / 1024.0L); }, 1, 200000, 3},
+  };
+  // clang-format on
+  for (const auto &s : sweeps) {
+    int bad = 0;
+    for (int32_t x = s.from; x <= s.to && bad < 5; x += s.step) {
+      const float want = reference_round(static_cast<float>(s.exact(x)));
+      const float got = s.conv(x);
+      if (got != want) {
+        ++bad;
+        ADD_FAILURE() << s.what << "(" << x << ") = " << got << ", want " << want;
+      }
+    }
   }
 }
 
