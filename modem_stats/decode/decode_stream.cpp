@@ -42,38 +42,52 @@ void check_frame(std::span<const uint8_t> frame, size_t where, const decode_sink
   decode_packet(body, where, sink);
 }
 
-void decode_events(std::span<const uint8_t> events, size_t where, const decode_sink &sink) {
+// The readers of a packet's contents return false when the lengths inside do
+// not add up; decode_packet reports that once. Items before the fault have
+// been handed over by then.
+
+bool decode_log(std::span<const uint8_t> packet, size_t where, const decode_sink &sink) {
+  if (packet.size() < kLogHeadLen + kLogItemHead) return false;
+  const size_t len = le16(packet, 2);
+  const size_t item_len = le16(packet, kLogHeadLen);
+  if (len < kLogItemHead || kLogHeadLen + len > packet.size() || item_len < kLogItemHead ||
+      item_len > len) {
+    return false;
+  }
+  const uint16_t code = le16(packet, kLogHeadLen + 2);
+  sink.item({false, code, packet.subspan(kLogHeadLen + kLogItemHead, item_len - kLogItemHead)},
+            where);
+  return true;
+}
+
+bool decode_events(std::span<const uint8_t> events, size_t where, const decode_sink &sink) {
   size_t at = 0;
   while (at < events.size()) {
-    if (events.size() - at < 2) {
-      sink.damage(decode_damage::bad_packet, where);
-      return;
-    }
+    if (events.size() - at < 2) return false;
     const uint16_t word = le16(events, at);
     at += 2;
     const auto id = static_cast<uint16_t>(word & 0x0FFF);
     const unsigned len_code = (word >> 13) & 0x3;
     const size_t stamp = (word & 0x8000) ? 2 : 8;
-    if (events.size() - at < stamp) {
-      sink.damage(decode_damage::bad_packet, where);
-      return;
-    }
+    if (events.size() - at < stamp) return false;
     at += stamp;
     size_t len = len_code;
     if (len_code == 3) {
-      if (at >= events.size()) {
-        sink.damage(decode_damage::bad_packet, where);
-        return;
-      }
+      if (at >= events.size()) return false;
       len = events[at++];
     }
-    if (events.size() - at < len) {
-      sink.damage(decode_damage::bad_packet, where);
-      return;
-    }
+    if (events.size() - at < len) return false;
     sink.item({true, id, events.subspan(at, len)}, where);
     at += len;
   }
+  return true;
+}
+
+bool decode_event_report(std::span<const uint8_t> packet, size_t where, const decode_sink &sink) {
+  if (packet.size() < kEventHeadLen) return false;
+  const size_t len = le16(packet, 1);
+  if (kEventHeadLen + len > packet.size()) return false;
+  return decode_events(packet.subspan(kEventHeadLen, len), where, sink);
 }
 
 int hex_value(char c) {
@@ -149,37 +163,15 @@ void decode_packet(std::span<const uint8_t> packet, size_t where, const decode_s
     sink.damage(decode_damage::short_frame, where);
     return;
   }
+  bool sound = true;
   if (packet[0] == kCmdLog) {
-    if (packet.size() < kLogHeadLen + kLogItemHead) {
-      sink.damage(decode_damage::bad_packet, where);
-      return;
-    }
-    const size_t len = le16(packet, 2);
-    const size_t item_len = le16(packet, kLogHeadLen);
-    if (len < kLogItemHead || kLogHeadLen + len > packet.size() || item_len < kLogItemHead ||
-        item_len > len) {
-      sink.damage(decode_damage::bad_packet, where);
-      return;
-    }
-    const uint16_t code = le16(packet, kLogHeadLen + 2);
-    sink.item({false, code, packet.subspan(kLogHeadLen + kLogItemHead, item_len - kLogItemHead)},
-              where);
-    return;
+    sound = decode_log(packet, where, sink);
+  } else if (packet[0] == kCmdEvent) {
+    sound = decode_event_report(packet, where, sink);
+  } else {
+    sink.other(packet[0]);
   }
-  if (packet[0] == kCmdEvent) {
-    if (packet.size() < kEventHeadLen) {
-      sink.damage(decode_damage::bad_packet, where);
-      return;
-    }
-    const size_t len = le16(packet, 1);
-    if (kEventHeadLen + len > packet.size()) {
-      sink.damage(decode_damage::bad_packet, where);
-      return;
-    }
-    decode_events(packet.subspan(kEventHeadLen, len), where, sink);
-    return;
-  }
-  sink.other(packet[0]);
+  if (!sound) sink.damage(decode_damage::bad_packet, where);
 }
 
 decode_line_kind decode_text_line(std::string_view line, bool *event, uint16_t *id,
