@@ -116,6 +116,17 @@ std::string hex_of(const uint8_t *p, size_t n) {
   return s;
 }
 
+// The code column: "E<id>" for an event, four hex digits for a log code.
+std::string code_label(bool event, uint16_t id) {
+  char code[8];
+  if (event) {
+    snprintf(code, sizeof code, "E%u", static_cast<unsigned>(id));
+  } else {
+    snprintf(code, sizeof code, "%04X", static_cast<unsigned>(id));
+  }
+  return code;
+}
+
 class decoder {
  public:
   explicit decoder(bool json) : json_(json) {}
@@ -148,22 +159,17 @@ class decoder {
                       : not_support_num != refused_before       ? kRefused
                       : modem_stats_failures() != failed_before ? kInvalid
                                                                 : kNoRecord;
-    char code[8];
-    if (item.event) {
-      snprintf(code, sizeof code, "E%u", static_cast<unsigned>(item.id));
-    } else {
-      snprintf(code, sizeof code, "%04X", static_cast<unsigned>(item.id));
-    }
+    const std::string code = code_label(item.event, item.id);
     ++counts_[{item.event, item.id}][o];
     ++packets_;
 
     if (json_) {
       emit_json(code, capture_.take(), record, source, o);
     } else if (record != nullptr) {
-      printf("=> %s %s: stat_id %" PRIu32 ", record %s\n", code, kOutcomeNames[o], record->stat_id,
-             hex_of(record->data, static_cast<size_t>(record->data_len)).c_str());
+      printf("=> %s %s: stat_id %" PRIu32 ", record %s\n", code.c_str(), kOutcomeNames[o],
+             record->stat_id, hex_of(record->data, static_cast<size_t>(record->data_len)).c_str());
     } else {
-      printf("=> %s %s\n", code, kOutcomeNames[o]);
+      printf("=> %s %s\n", code.c_str(), kOutcomeNames[o]);
     }
     modem_stats_free_single(record);
   }
@@ -177,8 +183,8 @@ class decoder {
   void other_frame() { ++other_frames_; }
 
  private:
-  void emit_json(const char *code, const std::string &printed, const modem_stats_single *record,
-                 const std::string &source, outcome o) {
+  void emit_json(const std::string &code, const std::string &printed,
+                 const modem_stats_single *record, const std::string &source, outcome o) {
     std::string j = "{\"code\": ";
     json_string(j, code);
     j += ", \"lines\": [";
@@ -208,14 +214,8 @@ class decoder {
     fprintf(f, "%-6s %9s %9s %9s %9s\n", "code", kOutcomeNames[0], kOutcomeNames[1],
             kOutcomeNames[2], kOutcomeNames[3]);
     for (const auto &[key, n] : counts_) {
-      char code[8];
-      if (key.first) {
-        snprintf(code, sizeof code, "E%u", static_cast<unsigned>(key.second));
-      } else {
-        snprintf(code, sizeof code, "%04X", static_cast<unsigned>(key.second));
-      }
-      fprintf(f, "%-6s %9" PRIu64 " %9" PRIu64 " %9" PRIu64 " %9" PRIu64 "\n", code, n[0], n[1],
-              n[2], n[3]);
+      fprintf(f, "%-6s %9" PRIu64 " %9" PRIu64 " %9" PRIu64 " %9" PRIu64 "\n",
+              code_label(key.first, key.second).c_str(), n[0], n[1], n[2], n[3]);
     }
     fprintf(f, "malformed: %" PRIu64, damaged_);
     const char *sep = " (";
