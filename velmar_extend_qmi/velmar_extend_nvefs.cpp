@@ -31,20 +31,18 @@ class fn_trace {
   const char *fn_;
 };
 
-// One request id 2 exchange: the whole 512-byte record out, 444 bytes of room
-// back. Returns the mapped transport result; rsp is zero unless it succeeded.
-int32_t nvefs_exchange(const velmar_nvefs_req &req, velmar_nvefs_rsp &rsp) {
+constexpr const char *kSendFail = "velmar_extend_qmi_send_sync fail";
+
+// One request id 2 exchange under `fn`: the whole 512-byte record out, 444
+// bytes of room back (rsp is zero unless the transport succeeded). Logs the
+// outcome, `send_fail` for a failed transport, and returns 0 when both the
+// transport and the modem succeeded, else the code to return.
+int32_t exchange(const char *fn, const velmar_nvefs_req &req, velmar_nvefs_rsp &rsp,
+                 const char *send_fail = kSendFail) {
   rsp = {};
   uint32_t room = sizeof rsp;
-  const int32_t result =
-      velmar_extend_qmi_send_sync(VELMAR_REQUEST_ID_EFS, &req, sizeof req, &rsp, &room);
-  return velmar_qmi_result_map(result);
-}
-
-// Logs the outcome of an exchange under `fn`: 0 when both the transport and
-// the modem succeeded, else the code to return.
-int32_t exchange_outcome(const char *fn, int32_t mapped, const velmar_nvefs_rsp &rsp,
-                         const char *send_fail) {
+  const int32_t mapped = velmar_qmi_result_map(
+      velmar_extend_qmi_send_sync(VELMAR_REQUEST_ID_EFS, &req, sizeof req, &rsp, &room));
   VELMAR_LOGF_LN(fn, "result = %d, rsp.result = %d", mapped, rsp.result);
   if (mapped != VELMAR_OK) {
     VELMAR_LOGF_LN(fn, "%s", send_fail);
@@ -114,8 +112,7 @@ int32_t efs_read_chunks(const char *fn, velmar_nvefs_req &req, uint8_t *buf, uin
   for (;;) {
     const uint32_t cur = recv;
     req.data_len_cur = cur;
-    const int32_t outcome = exchange_outcome(fn, nvefs_exchange(req, rsp), rsp,
-                                             "velmar_extend_qmi_send_sync fail, ABORT");
+    const int32_t outcome = exchange(fn, req, rsp, "velmar_extend_qmi_send_sync fail, ABORT");
     if (outcome != VELMAR_OK) return outcome;
 
     recv += rsp.data_len_send;
@@ -171,8 +168,7 @@ int32_t efs_write_chunks(const char *fn, velmar_nvefs_req &req, const uint8_t *b
     // A short last chunk must not carry the tail of the previous one.
     memset(req.data + send_num, 0, sizeof req.data - send_num);
 
-    const int32_t outcome =
-        exchange_outcome(fn, nvefs_exchange(req, rsp), rsp, "velmar_extend_qmi_send_sync fail");
+    const int32_t outcome = exchange(fn, req, rsp);
     if (outcome != VELMAR_OK) return outcome;
 
     ++count;
@@ -216,8 +212,7 @@ int32_t velmar_nv_read(uint32_t sub, uint32_t nv_id, uint8_t *buf, uint32_t *buf
 
   const velmar_nvefs_req req = nv_record(VELMAR_NVEFS_OP_NV_READ, sub, nv_id);
   velmar_nvefs_rsp rsp;
-  const int32_t outcome =
-      exchange_outcome(fn, nvefs_exchange(req, rsp), rsp, "velmar_extend_qmi_send_sync fail");
+  const int32_t outcome = exchange(fn, req, rsp);
   if (outcome != VELMAR_OK) return outcome;
 
   VELMAR_LOG_LN("rsp.data_len_all = %d", rsp.data_len_all);
@@ -246,7 +241,7 @@ int32_t velmar_nv_write(uint32_t sub, uint32_t nv_id, const uint8_t *data, uint3
   req.data_len_all = len;
   memcpy(req.data, data, len);
   velmar_nvefs_rsp rsp;
-  return exchange_outcome(fn, nvefs_exchange(req, rsp), rsp, "velmar_extend_qmi_send_sync fail");
+  return exchange(fn, req, rsp);
 }
 
 int32_t velmar_nv_delete(uint32_t sub, uint32_t nv_id) {
@@ -257,7 +252,7 @@ int32_t velmar_nv_delete(uint32_t sub, uint32_t nv_id) {
 
   const velmar_nvefs_req req = nv_record(VELMAR_NVEFS_OP_NV_DELETE, sub, nv_id);
   velmar_nvefs_rsp rsp;
-  return exchange_outcome(fn, nvefs_exchange(req, rsp), rsp, "velmar_extend_qmi_send_sync fail");
+  return exchange(fn, req, rsp);
 }
 
 int32_t velmar_efs_read(uint32_t sub, const char *path, uint32_t path_len, uint8_t *buf,
@@ -316,5 +311,5 @@ int32_t velmar_efs_delete(uint32_t sub, const char *path, uint32_t path_len) {
 
   const velmar_nvefs_req req = efs_record(fn, VELMAR_NVEFS_OP_EFS_DELETE, sub, path, path_len);
   velmar_nvefs_rsp rsp;
-  return exchange_outcome(fn, nvefs_exchange(req, rsp), rsp, "velmar_extend_qmi_send_sync fail");
+  return exchange(fn, req, rsp);
 }
