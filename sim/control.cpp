@@ -200,13 +200,15 @@ json Daemon::status() {
                         {"clients", clients}});
   }
   const Settings &st = modem_.settings();
+  json counters = modem_.counters();
+  counters["refused_clients"] = refused_clients_;
   return {{"running", true},
           {"pid", getpid()},
           {"state_dir", dir_},
           {"services", services},
           {"faults", faults_.to_json()},
           {"efs_chunk", modem_.efs_chunk},
-          {"counters", modem_.counters()},
+          {"counters", counters},
           {"settings", json::parse(st.to_json_text())}};
 }
 
@@ -223,6 +225,7 @@ json Daemon::control(const json &command) {
     unlink((dir_ + "/modem.json").c_str());
     modem_.store().factory_reset();
     modem_.reset_runtime();
+    refused_clients_ = 0;
     faults_.clear();
     modem_.efs_chunk = kEfsChunkMax;
     bring_all_up(0);

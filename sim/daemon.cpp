@@ -188,6 +188,22 @@ void Daemon::send_packet(uint64_t conn_id, const std::vector<uint8_t> &packet) {
   }
 }
 
+void Daemon::on_accept(int fd, uint32_t service) {
+  if (service != 0 && faults_.refuses_client(service)) {
+    // Closed before the welcome: the client's init fails; no request was made,
+    // so the journal has nothing to say.
+    close(fd);
+    ++refused_clients_;
+    return;
+  }
+  const uint64_t id = next_conn_++;
+  conns_[id] = Conn{fd, service};
+  if (service == 0) return;
+  std::vector<uint8_t> welcome(rpk_qmi::kHeaderLen);
+  rpk_qmi::put_header(welcome.data(), {rpk_qmi::kCtlWelcome, 0, 0, 0});
+  send_packet(id, welcome);
+}
+
 void Daemon::on_request(uint64_t conn_id, const uint8_t *packet, size_t n) {
   const uint32_t service = conns_[conn_id].service;
   nlohmann::json entry = {
@@ -278,7 +294,7 @@ void Daemon::run() {
       if (w == -1 || w <= -3) {
         const uint32_t service = w == -1 ? 0 : services_[static_cast<size_t>(-3 - w)].id;
         int fd = accept4(fds[i].fd, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-        if (fd >= 0) conns_[next_conn_++] = Conn{fd, service};
+        if (fd >= 0) on_accept(fd, service);
       } else if (w == -2) {
         signalfd_siginfo si;
         ssize_t ignored = read(signal_fd_, &si, sizeof si);

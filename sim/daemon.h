@@ -61,6 +61,8 @@ class Daemon {
   void take_down_for(uint32_t id, uint32_t ms);
   void bring_all_up(uint32_t id);
   void close_conn(uint64_t id);
+  // A new connection: a control one, or a client a service welcomes or refuses.
+  void on_accept(int fd, uint32_t service);
   void on_request(uint64_t conn_id, const uint8_t *packet, size_t n);
   void on_control(uint64_t conn_id, const uint8_t *packet, size_t n);
   void send_packet(uint64_t conn_id, const std::vector<uint8_t> &packet);
@@ -80,6 +82,7 @@ class Daemon {
   std::vector<Service> services_;
   std::map<uint64_t, Conn> conns_;
   uint64_t next_conn_ = 1;
+  uint64_t refused_clients_ = 0;
   std::multimap<Clock::time_point, std::function<void()>> timers_;
 };
 

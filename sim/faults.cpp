@@ -17,6 +17,8 @@ const char *kind_name(FaultKind k) {
       return "drop_after";
     case FaultKind::kNoDataValid:
       return "no_data_valid";
+    case FaultKind::kRefuseInit:
+      return "refuse_init";
   }
   return "?";
 }
@@ -31,12 +33,21 @@ bool get_u32(const nlohmann::json &j, const char *key, uint32_t *out) {
 
 }  // namespace
 
+bool Faults::matches(const Fault &f, uint32_t service, int64_t request_id) {
+  return f.count != 0 && (f.service == 0 || f.service == service) &&
+         (f.request_id < 0 || f.request_id == request_id);
+}
+
+void Faults::drop_used_up() {
+  faults_.erase(
+      std::remove_if(faults_.begin(), faults_.end(), [](const Fault &f) { return f.count == 0; }),
+      faults_.end());
+}
+
 FaultEffect Faults::on_request(uint32_t service, int64_t request_id) {
   FaultEffect effect;
   for (auto &f : faults_) {
-    if (f.count == 0) continue;
-    if (f.service != 0 && f.service != service) continue;
-    if (f.request_id >= 0 && f.request_id != request_id) continue;
+    if (f.kind == FaultKind::kRefuseInit || !matches(f, service, request_id)) continue;
     switch (f.kind) {
       case FaultKind::kDelay:
         effect.delay_ms = std::max(effect.delay_ms, f.value);
@@ -56,13 +67,24 @@ FaultEffect Faults::on_request(uint32_t service, int64_t request_id) {
         effect.drop = true;
         f.count = 0;
         continue;
+      case FaultKind::kRefuseInit:
+        break;
     }
     if (f.count > 0) --f.count;
   }
-  faults_.erase(
-      std::remove_if(faults_.begin(), faults_.end(), [](const Fault &f) { return f.count == 0; }),
-      faults_.end());
+  drop_used_up();
   return effect;
+}
+
+bool Faults::refuses_client(uint32_t service) {
+  bool refused = false;
+  for (auto &f : faults_) {
+    if (f.kind != FaultKind::kRefuseInit || !matches(f, service, -1)) continue;
+    refused = true;
+    if (f.count > 0) --f.count;
+  }
+  drop_used_up();
+  return refused;
 }
 
 nlohmann::json Faults::to_json() const {
@@ -117,6 +139,8 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
     value_key = "requests";
   } else if (kind == "no_data_valid") {
     f->kind = FaultKind::kNoDataValid;
+  } else if (kind == "refuse_init") {
+    f->kind = FaultKind::kRefuseInit;
   } else {
     *error = "unknown fault kind: " + kind;
     return false;
@@ -134,6 +158,10 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
   }
   uint32_t v = 0;
   if (j.contains("request_id")) {
+    if (f->kind == FaultKind::kRefuseInit) {
+      *error = "fault refuse_init comes before any request: no request_id";
+      return false;
+    }
     if (!get_u32(j, "request_id", &v)) {
       *error = "request_id must be a number";
       return false;

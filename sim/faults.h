@@ -15,6 +15,7 @@ enum class FaultKind {
   kError,        // answer with the service error `value`, doing nothing
   kDropAfter,    // answer `value` more requests, then close the connection
   kNoDataValid,  // answer without data (data_valid 0)
+  kRefuseInit,   // close a new client's connection instead of welcoming it
 };
 
 struct Fault {
@@ -40,9 +41,14 @@ class Faults {
   void clear() { faults_.clear(); }
   // Applies (and uses up) the faults matching a request.
   FaultEffect on_request(uint32_t service, int64_t request_id);
+  // Whether a new client of the service is refused (using up the fault).
+  bool refuses_client(uint32_t service);
   nlohmann::json to_json() const;
 
  private:
+  static bool matches(const Fault &f, uint32_t service, int64_t request_id);
+  void drop_used_up();
+
   std::vector<Fault> faults_;
 };
 

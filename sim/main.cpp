@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -37,6 +38,7 @@ constexpr char kUsage[] =
     "  set NAME VALUE                           a modem setting\n"
     "  fault delay MS | error CODE | drop-after N | no-data-valid\n"
     "        [--service S] [--request-id ID] [--count N]\n"
+    "  fault refuse-init [--service S] [--count N]\n"
     "  fault chunk SIZE | down [MS] [--service S] | up [--service S] | clear\n"
     "  indicate NUMBER [HEX...]                 send an Extend-QMI indication\n"
     "  journal [clear]                          print or clear the request journal\n";
@@ -229,40 +231,41 @@ int cmd_set(const std::vector<std::string> &a) {
   return s.save(dir) ? 0 : complain("cannot save the settings");
 }
 
+// Fault kinds as the command line names them, and their control form.
+struct FaultWord {
+  const char *word;
+  const char *kind;
+  const char *value_key;  // the number after the kind; nullptr: none
+  bool value_optional;
+};
+constexpr FaultWord kFaultWords[] = {
+    {"delay", "delay", "ms", false},
+    {"error", "error", "code", false},
+    {"drop-after", "drop_after", "requests", false},
+    {"no-data-valid", "no_data_valid", nullptr, false},
+    {"refuse-init", "refuse_init", nullptr, false},
+    {"chunk", "chunk", "size", false},
+    {"down", "down", "ms", true},
+    {"up", "up", nullptr, false},
+    {"clear", "clear", nullptr, false},
+};
+
 int cmd_fault(const std::vector<std::string> &a) {
   if (a.empty()) return usage();
-  const std::string &kind = a[0];
-  json fault = {{"kind", kind}};
+  const FaultWord *w = std::find_if(std::begin(kFaultWords), std::end(kFaultWords),
+                                    [&](const FaultWord &f) { return a[0] == f.word; });
+  if (w == std::end(kFaultWords)) return usage();
+  json fault = {{"kind", w->kind}};
   size_t i = 1;
-  auto number_arg = [&](const char *key, bool optional) {
-    uint64_t v = 0;
-    if (i < a.size() && a[i].compare(0, 2, "--") != 0) {
-      if (!parse_number(a[i], &v)) return false;
-      fault[key] = v;
-      ++i;
-      return true;
-    }
-    return optional;
-  };
-  bool good = true;
-  if (kind == "delay") {
-    good = number_arg("ms", false);
-  } else if (kind == "error") {
-    good = number_arg("code", false);
-  } else if (kind == "drop-after") {
-    fault["kind"] = "drop_after";
-    good = number_arg("requests", false);
-  } else if (kind == "no-data-valid") {
-    fault["kind"] = "no_data_valid";
-  } else if (kind == "chunk") {
-    good = number_arg("size", false);
-  } else if (kind == "down") {
-    good = number_arg("ms", true);
-  } else if (kind != "up" && kind != "clear") {
+  uint64_t v = 0;
+  if (w->value_key != nullptr && i < a.size() && a[i].compare(0, 2, "--") != 0) {
+    if (!parse_number(a[i], &v)) return usage();
+    fault[w->value_key] = v;
+    ++i;
+  } else if (w->value_key != nullptr && !w->value_optional) {
     return usage();
   }
-  for (; good && i + 1 < a.size(); i += 2) {
-    uint64_t v = 0;
+  for (; i + 1 < a.size(); i += 2) {
     if (a[i] == "--service") {
       fault["service"] = a[i + 1];
     } else if (a[i] == "--request-id" && parse_number(a[i + 1], &v)) {
@@ -270,10 +273,10 @@ int cmd_fault(const std::vector<std::string> &a) {
     } else if (a[i] == "--count" && parse_number(a[i + 1], &v)) {
       fault["count"] = v;
     } else {
-      good = false;
+      return usage();
     }
   }
-  if (!good || i != a.size()) return usage();
+  if (i != a.size()) return usage();
   return ask_daemon({{"cmd", "fault"}, {"fault", fault}});
 }
 

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -59,6 +60,8 @@ namespace {
 constexpr unsigned kServiceInfoMagic = 0x52504B31;  // marks a host-made service info
 constexpr auto kWatchPeriod = std::chrono::milliseconds(20);
 constexpr auto kInitRetryPeriod = std::chrono::milliseconds(5);
+// A service welcomes a client at once; this only bounds a hung one.
+constexpr int kWelcomeWaitMs = 10000;
 
 // Every live handle, so a stale or foreign pointer is refused instead of used.
 std::mutex g_handles_mu;
@@ -177,8 +180,19 @@ void read_packets(qmi_client_type h) {
   }
 }
 
-qmi_client_error_type open_client(qmi_idl_service_object_type svc, int fd, qmi_client_ind_cb cb,
-                                  void *cb_data, qmi_client_type *out) {
+// The end of an init: a client on the welcomed connection, or the error the
+// join came to.
+qmi_client_error_type open_client(rpk_qmi::Join join, int fd, qmi_idl_service_object_type svc,
+                                  qmi_client_ind_cb cb, void *cb_data, qmi_client_type *out) {
+  if (join == rpk_qmi::Join::kSilent) {
+    // A hung service stays silent, and so does a daemon too old to welcome.
+    fprintf(stderr,
+            "rpk: service 0x%04x took the connection but sent no welcome; restart the "
+            "simulated modem (rpk-modem-sim stop)\n",
+            svc->service_id);
+    return QMI_TIMEOUT_ERR;
+  }
+  if (join != rpk_qmi::Join::kJoined) return QMI_SERVICE_ERR;
   auto *h = new qmi_client_struct;
   h->kind = qmi_client_struct::Kind::kClient;
   h->svc = svc;
@@ -286,9 +300,9 @@ qmi_client_error_type qmi_client_init(qmi_service_info *service_info,
     return QMI_CLIENT_PARAM_ERR;
   }
   rpk_host::ensure_modem_sim();
-  int fd = rpk_qmi::connect_service(service_obj->service_id);
-  if (fd < 0) return QMI_SERVICE_ERR;
-  return open_client(service_obj, fd, ind_cb, ind_cb_data, user_handle);
+  int fd = -1;
+  const rpk_qmi::Join join = rpk_qmi::join_service(service_obj->service_id, kWelcomeWaitMs, &fd);
+  return open_client(join, fd, service_obj, ind_cb, ind_cb_data, user_handle);
 }
 
 qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object_type service_obj,
@@ -306,8 +320,14 @@ qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object_type servi
   // that is up.
   for (;;) {
     if (instance_exists) {
-      int fd = rpk_qmi::connect_service(service_obj->service_id);
-      if (fd >= 0) return open_client(service_obj, fd, ind_cb, ind_cb_data, user_handle);
+      int fd = -1;
+      const rpk_qmi::Join join =
+          rpk_qmi::join_service(service_obj->service_id, kWelcomeWaitMs, &fd);
+      // Only a missing service is waited for; a refusal ends the init as on a
+      // phone.
+      if (join != rpk_qmi::Join::kNotListening) {
+        return open_client(join, fd, service_obj, ind_cb, ind_cb_data, user_handle);
+      }
     }
     if (timeout != 0 && std::chrono::steady_clock::now() >= deadline) return QMI_TIMEOUT_ERR;
     std::this_thread::sleep_for(kInitRetryPeriod);
