@@ -13,6 +13,7 @@
 
 #include "control_link.h"
 #include "daemon.h"
+#include "modem_errors.h"
 #include "modem_sim_link.h"
 #include "qmi_host_transport.h"
 #include "rpk_host.h"
@@ -30,14 +31,6 @@ json ok(json extra = json::object()) {
 
 json fail(const std::string &error) { return {{"ok", false}, {"error", error}}; }
 
-bool get_u32(const json &j, const char *key, uint32_t *out) {
-  if (!j.contains(key) || !j[key].is_number_unsigned() || j[key].get<uint64_t>() > 0xFFFFFFFFu) {
-    return false;
-  }
-  *out = j[key].get<uint32_t>();
-  return true;
-}
-
 // The bytes of a seed entry: "hex" or "text".
 bool seed_bytes(const json &e, std::string *out, std::string *error) {
   if (e.contains("text") && e["text"].is_string()) {
@@ -51,6 +44,30 @@ bool seed_bytes(const json &e, std::string *out, std::string *error) {
     return false;
   }
   out->assign(bytes.begin(), bytes.end());
+  return true;
+}
+
+// One "nv" or "efs" entry of a scenario: on its subscription, either
+// "delete" (deleting what is not there, `absent`, is what was asked for) or a
+// write of its bytes.
+template <typename Write, typename Delete>
+bool seed_entry(const json &e, const char *what, int32_t absent, Write write, Delete del,
+                std::string *error) {
+  uint32_t sub = 0;
+  if (e.contains("sub") && !json_u32(e, "sub", &sub)) sub = kSubscriptions;  // refused below
+  int32_t rc = 0;
+  if (e.value("delete", false)) {
+    rc = del(sub);
+    if (rc == absent) rc = 0;
+  } else {
+    std::string bytes;
+    if (!seed_bytes(e, &bytes, error)) return false;
+    rc = write(sub, bytes);
+  }
+  if (rc != 0) {
+    *error = std::string(what) + " entry refused (" + std::to_string(rc) + "): " + dump_json(e);
+    return false;
+  }
   return true;
 }
 
@@ -69,7 +86,7 @@ bool Daemon::apply_fault(const json &j, std::string *error) {
   }
   if (kind == "chunk") {
     uint32_t size = 0;
-    if (!get_u32(j, "size", &size) || size > kEfsChunkMax) {
+    if (!json_u32(j, "size", &size) || size > kEfsChunkMax) {
       *error = "fault chunk needs \"size\" from 1 to 424 (0: the default)";
       return false;
     }
@@ -78,7 +95,7 @@ bool Daemon::apply_fault(const json &j, std::string *error) {
   }
   if (kind == "down") {
     uint32_t ms = 0;
-    if (j.contains("ms") && !get_u32(j, "ms", &ms)) {
+    if (j.contains("ms") && !json_u32(j, "ms", &ms)) {
       *error = "fault down: \"ms\" must be a number";
       return false;
     }
@@ -124,54 +141,41 @@ bool Daemon::apply_scenario(const json &s, std::string *error) {
   }
   if (s.contains("settings")) {
     for (const auto &[name, value] : s["settings"].items()) {
-      if (!value.is_number_unsigned() || !modem_.settings().set(name, value.get<uint64_t>()) ||
-          (name.compare(0, 6, "stats.") == 0 && !stats_field_known(name.substr(6)))) {
+      if (!value.is_number_unsigned() || !modem_.settings().set(name, value.get<uint64_t>())) {
         *error = "bad setting: " + name;
         return false;
       }
     }
     modem_.settings().save(dir_);
   }
+  Store &store = modem_.store();
   for (const auto &e : s.value("nv", json::array())) {
-    uint32_t sub = 0, item = 0;
-    if (e.contains("sub") && !get_u32(e, "sub", &sub)) sub = 99;
-    if (!get_u32(e, "item", &item)) {
+    uint32_t item = 0;
+    if (!json_u32(e, "item", &item)) {
       *error = "nv entry needs \"item\": " + dump_json(e);
       return false;
     }
-    int32_t rc = 0;
-    if (e.value("delete", false)) {
-      rc = modem_.store().nv_delete(sub, item);
-      if (rc == 5) rc = 0;  // already absent is what was asked for
-    } else {
-      std::string value;
-      if (!seed_bytes(e, &value, error)) return false;
-      rc = modem_.store().nv_write(sub, item, value);
-    }
-    if (rc != 0) {
-      *error = "nv entry refused (" + std::to_string(rc) + "): " + dump_json(e);
+    if (!seed_entry(
+            e, "nv", kNvNotActive,
+            [&](unsigned sub, const std::string &value) {
+              return store.nv_write(sub, item, value);
+            },
+            [&](unsigned sub) { return store.nv_delete(sub, item); }, error)) {
       return false;
     }
   }
   for (const auto &e : s.value("efs", json::array())) {
-    uint32_t sub = 0;
-    if (e.contains("sub") && !get_u32(e, "sub", &sub)) sub = 99;
     if (!e.contains("path") || !e["path"].is_string()) {
       *error = "efs entry needs \"path\": " + dump_json(e);
       return false;
     }
     const std::string path = e["path"].get<std::string>();
-    int32_t rc = 0;
-    if (e.value("delete", false)) {
-      rc = modem_.store().efs_delete(sub, path);
-      if (rc == 2) rc = 0;
-    } else {
-      std::string content;
-      if (!seed_bytes(e, &content, error)) return false;
-      rc = modem_.store().efs_write(sub, path, content);
-    }
-    if (rc != 0) {
-      *error = "efs entry refused (" + std::to_string(rc) + "): " + dump_json(e);
+    if (!seed_entry(
+            e, "efs", kEfsNoEnt,
+            [&](unsigned sub, const std::string &content) {
+              return store.efs_write(sub, path, content);
+            },
+            [&](unsigned sub) { return store.efs_delete(sub, path); }, error)) {
       return false;
     }
   }
@@ -244,9 +248,7 @@ json Daemon::control(const json &command) {
   if (cmd == "set") {
     const std::string name = command.value("name", "");
     if (!command.contains("value") || !command["value"].is_number_unsigned() ||
-        !modem_.settings().set(name, command["value"].get<uint64_t>()) ||
-        (name.compare(0, 6, "stats.") == 0 && !stats_field_known(name.substr(6)))) {
-      modem_.reset_runtime();  // drop a half-applied change
+        !modem_.settings().set(name, command["value"].get<uint64_t>())) {
       return fail("unknown setting or bad value: " + name);
     }
     modem_.settings().save(dir_);
@@ -255,7 +257,7 @@ json Daemon::control(const json &command) {
   if (cmd == "indicate") {
     uint32_t number = 0;
     std::vector<uint8_t> data;
-    if (!get_u32(command, "number", &number) ||
+    if (!json_u32(command, "number", &number) ||
         (command.contains("data") && !parse_hex(command.value("data", ""), &data))) {
       return fail("indicate needs a number and hex data");
     }

@@ -7,29 +7,37 @@
 
 #include "modem_errors.h"
 #include "modem_services.h"
+#include "sim_text.h"
 
 namespace rpk_sim {
 namespace {
 
-uint32_t le32(const uint8_t *p) {
-  return static_cast<uint32_t>(p[0]) | (static_cast<uint32_t>(p[1]) << 8) |
-         (static_cast<uint32_t>(p[2]) << 16) | (static_cast<uint32_t>(p[3]) << 24);
+uint32_t le32(const uint8_t *p) { return static_cast<uint32_t>(get_le(p, 4)); }
+
+uint16_t le16(const uint8_t *p) { return static_cast<uint16_t>(get_le(p, 2)); }
+
+void put_field(std::vector<uint8_t> &rec, size_t at, uint64_t v, int n) {
+  put_le(rec.data() + at, v, n);
 }
 
-uint16_t le16(const uint8_t *p) { return static_cast<uint16_t>(p[0] | (p[1] << 8)); }
-
-uint64_t le64(const uint8_t *p) {
-  return static_cast<uint64_t>(le32(p)) | (static_cast<uint64_t>(le32(p + 4)) << 32);
+// NV reads and writes of request ids 1 and 2, which differ only in where
+// the response carries the length: the item's true length at `len_at`, even
+// when the data area (from offset 20) holds less.
+int32_t read_nv_item(const Store &store, unsigned sub, uint32_t item, std::vector<uint8_t> &rsp,
+                     size_t len_at, size_t area) {
+  std::string value;
+  const int32_t result = store.nv_read(sub, item, &value);
+  if (result == kNvDone) {
+    put_field(rsp, len_at, value.size(), 4);
+    memcpy(rsp.data() + 20, value.data(), std::min(value.size(), area));
+  }
+  return result;
 }
 
-void put_le(std::vector<uint8_t> &rec, size_t at, uint64_t v, int n) {
-  for (int i = 0; i < n; ++i) rec[at + i] = static_cast<uint8_t>(v >> (8 * i));
-}
-
-std::string le_bytes(uint64_t v, int n) {
-  std::string s;
-  for (int i = 0; i < n; ++i) s.push_back(static_cast<char>(v >> (8 * i)));
-  return s;
+int32_t write_nv_item(Store &store, unsigned sub, uint32_t item, const uint8_t *data, uint32_t len,
+                      size_t area) {
+  if (len > area) return kNvBadParm;
+  return store.nv_write(sub, item, std::string_view(reinterpret_cast<const char *>(data), len));
 }
 
 // NV store record (request id 1): op u32 @0, argument u32 @4, reserved @8,
@@ -141,21 +149,11 @@ std::vector<uint8_t> Modem::nv_store_request(const uint8_t *req, Outcome &out) {
   const uint32_t len = le32(req + 12);
   int32_t result = kNvDone;
   switch (op) {
-    case kRead: {
-      std::string value;
-      result = store_.nv_read(0, arg, &value);
-      if (result == kNvDone) {
-        // The true length is reported even when the area holds less.
-        put_le(rsp, 16, value.size(), 4);
-        memcpy(rsp.data() + 20, value.data(), std::min(value.size(), kDataArea));
-      }
+    case kRead:
+      result = read_nv_item(store_, 0, arg, rsp, 16, kDataArea);
       break;
-    }
     case kWrite:
-      result = len > kDataArea
-                   ? kNvBadParm
-                   : store_.nv_write(
-                         0, arg, std::string_view(reinterpret_cast<const char *>(req + 16), len));
+      result = write_nv_item(store_, 0, arg, req + 16, len, kDataArea);
       break;
     case kDelete:
       result = store_.nv_delete(0, arg);
@@ -172,9 +170,9 @@ std::vector<uint8_t> Modem::nv_store_request(const uint8_t *req, Outcome &out) {
       result = kNvBadCmd;
       break;
   }
-  put_le(rsp, 0, op, 4);
-  put_le(rsp, 4, static_cast<uint32_t>(result), 4);
-  put_le(rsp, 8, arg, 4);
+  put_field(rsp, 0, op, 4);
+  put_field(rsp, 4, static_cast<uint32_t>(result), 4);
+  put_field(rsp, 8, arg, 4);
   return rsp;
 }
 
@@ -204,20 +202,11 @@ std::vector<uint8_t> Modem::nv_efs_request(const uint8_t *req) {
 
   if (result == 0) {
     switch (op) {
-      case kNvRead: {
-        std::string value;
-        result = store_.nv_read(sub, nv_id, &value);
-        if (result == kNvDone) {
-          put_le(rsp, 4, value.size(), 4);
-          memcpy(rsp.data() + 20, value.data(), std::min(value.size(), kDataArea));
-        }
+      case kNvRead:
+        result = read_nv_item(store_, sub, nv_id, rsp, 4, kDataArea);
         break;
-      }
       case kNvWrite:
-        result = all > kDataArea
-                     ? kNvBadParm
-                     : store_.nv_write(sub, nv_id,
-                                       std::string_view(reinterpret_cast<const char *>(data), all));
+        result = write_nv_item(store_, sub, nv_id, data, all, kDataArea);
         break;
       case kNvDelete:
         result = store_.nv_delete(sub, nv_id);
@@ -232,9 +221,9 @@ std::vector<uint8_t> Modem::nv_efs_request(const uint8_t *req) {
         }
         const uint32_t n =
             static_cast<uint32_t>(std::min<size_t>({content.size() - cur, efs_chunk, kDataArea}));
-        put_le(rsp, 4, content.size(), 4);
-        put_le(rsp, 8, n, 4);
-        put_le(rsp, 12, cur, 4);
+        put_field(rsp, 4, content.size(), 4);
+        put_field(rsp, 8, n, 4);
+        put_field(rsp, 12, cur, 4);
         memcpy(rsp.data() + 20, content.data() + cur, n);
         break;
       }
@@ -259,9 +248,9 @@ std::vector<uint8_t> Modem::nv_efs_request(const uint8_t *req) {
           result = store_.efs_write(sub, path, st.data);
           staging_.erase(key);
         }
-        put_le(rsp, 4, all, 4);
-        put_le(rsp, 8, send, 4);
-        put_le(rsp, 12, cur, 4);
+        put_field(rsp, 4, all, 4);
+        put_field(rsp, 8, send, 4);
+        put_field(rsp, 12, cur, 4);
         break;
       }
       case kEfsDelete:
@@ -272,8 +261,8 @@ std::vector<uint8_t> Modem::nv_efs_request(const uint8_t *req) {
         break;
     }
   }
-  put_le(rsp, 0, op, 4);
-  put_le(rsp, 16, static_cast<uint32_t>(result), 4);
+  put_field(rsp, 0, op, 4);
+  put_field(rsp, 16, static_cast<uint32_t>(result), 4);
   return rsp;
 }
 
@@ -293,8 +282,8 @@ std::vector<uint8_t> Modem::common_request(const uint8_t *req, Outcome &out) {
         v = common_command(t, req + 16, l, &result, out);
       }
       const size_t n = std::min<size_t>(v.size(), kResponseSize - 16);
-      put_le(rsp, 8, t, 4);
-      put_le(rsp, 12, n, 4);
+      put_field(rsp, 8, t, 4);
+      put_field(rsp, 12, n, 4);
       if (n > 0) memcpy(rsp.data() + 16, v.data(), n);
       break;
     }
@@ -310,7 +299,7 @@ std::vector<uint8_t> Modem::common_request(const uint8_t *req, Outcome &out) {
     case kTxAntennaTest: {
       const uint32_t ant = le32(req + 8);
       const uint32_t sys = le32(req + 12);
-      const uint64_t bands = le64(req + 16);
+      const uint64_t bands = get_le(req + 16, 8);
       if (ant > 1 || sys > 4) {
         result = static_cast<int32_t>(kQmiErrInvalidArg);
       } else {
@@ -329,8 +318,8 @@ std::vector<uint8_t> Modem::common_request(const uint8_t *req, Outcome &out) {
       result = static_cast<int32_t>(kQmiErrNotSupported);
       break;
   }
-  put_le(rsp, 0, kind, 4);
-  put_le(rsp, 4, static_cast<uint32_t>(result), 4);
+  put_field(rsp, 0, kind, 4);
+  put_field(rsp, 4, static_cast<uint32_t>(result), 4);
   return rsp;
 }
 

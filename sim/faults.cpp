@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "modem_services.h"
+#include "sim_text.h"
 
 namespace rpk_sim {
 namespace {
@@ -21,14 +22,6 @@ const char *kind_name(FaultKind k) {
       return "refuse_init";
   }
   return "?";
-}
-
-bool get_u32(const nlohmann::json &j, const char *key, uint32_t *out) {
-  if (!j.contains(key) || !j[key].is_number_unsigned() || j[key].get<uint64_t>() > 0xFFFFFFFFu) {
-    return false;
-  }
-  *out = j[key].get<uint32_t>();
-  return true;
 }
 
 }  // namespace
@@ -145,7 +138,7 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
     *error = "unknown fault kind: " + kind;
     return false;
   }
-  if (value_key != nullptr && !get_u32(j, value_key, &f->value)) {
+  if (value_key != nullptr && !json_u32(j, value_key, &f->value)) {
     *error = "fault " + kind + " needs \"" + value_key + "\" (a number)";
     return false;
   }
@@ -162,14 +155,14 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
       *error = "fault refuse_init comes before any request: no request_id";
       return false;
     }
-    if (!get_u32(j, "request_id", &v)) {
+    if (!json_u32(j, "request_id", &v)) {
       *error = "request_id must be a number";
       return false;
     }
     f->request_id = v;
   }
   if (j.contains("count")) {
-    if (!get_u32(j, "count", &v) || v == 0) {
+    if (!json_u32(j, "count", &v) || v == 0) {
       *error = "count must be a number above 0";
       return false;
     }

@@ -6,8 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <fstream>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -53,15 +52,10 @@ int complain(const std::string &what) {
   return 1;
 }
 
-bool autostart_allowed() {
-  const char *a = getenv("RPK_SIM_AUTOSTART");
-  return a == nullptr || strcmp(a, "0") != 0;
-}
-
 // Sends a command to the daemon, starting it first when allowed.
 int ask_daemon(const json &command, json *answer_out = nullptr) {
   if (!rpk_host::modem_sim_running()) {
-    if (!autostart_allowed()) return complain("not running");
+    if (!rpk_host::modem_sim_autostart_allowed()) return complain("not running");
     if (rpk_sim::start_daemon("", false) != 0) return 1;
   }
   json answer;
@@ -85,26 +79,28 @@ bool parse_sub(const std::string &text, unsigned *sub) {
   return true;
 }
 
+bool stopped_within(int ms) {
+  for (int waited = 0; rpk_host::modem_sim_running(); waited += 10) {
+    if (waited >= ms) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
 int cmd_stop() {
   if (!rpk_host::modem_sim_running()) return 0;
   json answer;
   std::string error;
   rpk_sim::control_request({{"cmd", "stop"}}, &answer, &error, 5000);
-  for (int i = 0; i < 1000 && rpk_host::modem_sim_running(); ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  if (!rpk_host::modem_sim_running()) return 0;
+  if (stopped_within(10000)) return 0;
   // It did not listen: end it by the pid it recorded for itself.
   std::string pid_text;
   uint64_t pid = 0;
   if (rpk_host::read_file(rpk_host::modem_sim_pid_path(), pid_text) &&
       parse_number(pid_text.substr(0, pid_text.find('\n')), &pid) && pid > 1) {
     kill(static_cast<pid_t>(pid), SIGKILL);
-    for (int i = 0; i < 500 && rpk_host::modem_sim_running(); ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
   }
-  return rpk_host::modem_sim_running() ? complain("could not stop the daemon") : 0;
+  return stopped_within(5000) ? 0 : complain("could not stop the daemon");
 }
 
 int cmd_status() {
@@ -129,13 +125,9 @@ int cmd_reset() {
   return 0;
 }
 
-int cmd_nv(const std::vector<std::string> &a) {
-  if (a.size() < 2) return usage();
-  rpk_sim::Store store(rpk_host::state_dir());
-  store.ensure_factory();
+// nv OP SUB ..., with the subscription checked.
+int nv_command(rpk_sim::Store &store, const std::vector<std::string> &a, unsigned sub) {
   const std::string &op = a[0];
-  unsigned sub = 0;
-  if (!parse_sub(a[1], &sub)) return complain("bad subscription: " + a[1]);
   if (op == "list" && a.size() == 2) {
     for (uint16_t item : store.nv_items(sub)) printf("%u\n", item);
     return 0;
@@ -166,13 +158,9 @@ int cmd_nv(const std::vector<std::string> &a) {
   return usage();
 }
 
-int cmd_efs(const std::vector<std::string> &a) {
-  if (a.size() < 2) return usage();
-  rpk_sim::Store store(rpk_host::state_dir());
-  store.ensure_factory();
+// efs OP SUB ..., with the subscription checked.
+int efs_command(rpk_sim::Store &store, const std::vector<std::string> &a, unsigned sub) {
   const std::string &op = a[0];
-  unsigned sub = 0;
-  if (!parse_sub(a[1], &sub)) return complain("bad subscription: " + a[1]);
   if (op == "list" && a.size() == 2) {
     for (const auto &f : store.efs_files(sub)) printf("%s\n", f.c_str());
     return 0;
@@ -203,6 +191,17 @@ int cmd_efs(const std::vector<std::string> &a) {
   return rc == 0 ? 0 : complain("cannot write " + path + " (" + std::to_string(rc) + ")");
 }
 
+// nv and efs work on the store itself, with or without a daemon; a store
+// without the factory image gets it first.
+int cmd_store(const std::string &cmd, const std::vector<std::string> &a) {
+  if (a.size() < 2) return usage();
+  rpk_sim::Store store(rpk_host::state_dir());
+  store.ensure_factory();
+  unsigned sub = 0;
+  if (!parse_sub(a[1], &sub)) return complain("bad subscription: " + a[1]);
+  return cmd == "nv" ? nv_command(store, a, sub) : efs_command(store, a, sub);
+}
+
 int cmd_prop(const std::vector<std::string> &a) {
   if (a.size() == 2 && a[0] == "get") {
     char value[PROPERTY_VALUE_MAX];
@@ -224,10 +223,7 @@ int cmd_set(const std::vector<std::string> &a) {
   }
   const std::string dir = rpk_host::state_dir();
   rpk_sim::Settings s = rpk_sim::Settings::load(dir);
-  if (!s.set(a[0], value) ||
-      (a[0].compare(0, 6, "stats.") == 0 && !rpk_sim::stats_field_known(a[0].substr(6)))) {
-    return complain("unknown setting: " + a[0]);
-  }
+  if (!s.set(a[0], value)) return complain("unknown setting: " + a[0]);
   return s.save(dir) ? 0 : complain("cannot save the settings");
 }
 
@@ -341,8 +337,7 @@ int main(int argc, char **argv) {
   if (cmd == "status" && args.empty()) return cmd_status();
   if (cmd == "reset" && args.empty()) return cmd_reset();
   if (cmd == "scenario") return cmd_scenario(args);
-  if (cmd == "nv") return cmd_nv(args);
-  if (cmd == "efs") return cmd_efs(args);
+  if (cmd == "nv" || cmd == "efs") return cmd_store(cmd, args);
   if (cmd == "prop") return cmd_prop(args);
   if (cmd == "set") return cmd_set(args);
   if (cmd == "fault") return cmd_fault(args);

@@ -6,6 +6,7 @@
 
 #include "modem_errors.h"
 #include "qmi_idl_codec.h"
+#include "sim_text.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 
 namespace rpk_sim {
@@ -15,14 +16,6 @@ constexpr uint16_t kExtendMsg = VELMAR_EXTEND_QMI_MSG_ID;
 constexpr uint16_t kExtendIndication = VELMAR_EXTEND_QMI_MSG_ID_2;
 constexpr uint16_t kSarRfGetState = QMI_SAR_RF_GET_STATE_REQ_MSG_V01;
 
-char hex_msg_id(uint16_t) = delete;
-
-std::string msg_id_text(uint16_t id) {
-  char buf[8];
-  snprintf(buf, sizeof buf, "0x%04x", id);
-  return buf;
-}
-
 nlohmann::json envelope_json(const velmar_extend_qmi_msg_v01 &m, bool is_response) {
   const uint32_t shown =
       m.data_valid ? std::min<uint32_t>(m.data_len, VELMAR_EXTEND_QMI_DATA_MAX) : 0;
@@ -30,6 +23,18 @@ nlohmann::json envelope_json(const velmar_extend_qmi_msg_v01 &m, bool is_respons
           {"data_len", m.data_len},
           {"data_valid", m.data_valid},
           {"data", to_hex(m.data, shown)}};
+}
+
+// What the faults make of a request, with the delay and a dropped connection
+// already in `out`.
+FaultEffect apply_faults(Faults &faults, uint32_t service, int64_t request_id, Outcome &out) {
+  const FaultEffect fx = faults.on_request(service, request_id);
+  out.delay_ms = fx.delay_ms;
+  if (fx.drop) {
+    out.reply = false;
+    out.journal["fault"] = "drop";
+  }
+  return fx;
 }
 
 std::vector<uint8_t> encode(qmi_idl_service_object_type svc, uint16_t msg_id, const void *c,
@@ -83,7 +88,7 @@ Outcome Modem::handle(uint32_t service, uint16_t msg_id, const uint8_t *tlvs, si
   } else {
     out.journal["error"] = "no such service";
   }
-  out.journal["msg_id"] = msg_id_text(msg_id);
+  out.journal["msg_id"] = hex_id(msg_id);
   return out;
 }
 
@@ -102,13 +107,8 @@ Outcome Modem::extend_qmi(uint16_t msg_id, const uint8_t *tlvs, size_t len, Faul
     out.journal["envelope"] = envelope_json(req, false);
     request_id = req.request_id;
   }
-  const FaultEffect fx = faults.on_request(kExtendQmiServiceId, request_id);
-  out.delay_ms = fx.delay_ms;
-  if (fx.drop) {
-    out.reply = false;
-    out.journal["fault"] = "drop";
-    return out;
-  }
+  const FaultEffect fx = apply_faults(faults, kExtendQmiServiceId, request_id, out);
+  if (!out.reply) return out;
   if (rc == QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND) {
     // No response layout exists for an unknown message: an empty answer.
     out.journal["response"] = nullptr;
@@ -151,13 +151,8 @@ Outcome Modem::sar(uint16_t msg_id, const uint8_t *tlvs, size_t len, Faults &fau
   const int rc = rpk_qmi::decode_message(svc, QMI_IDL_REQUEST, msg_id, tlvs,
                                          static_cast<uint32_t>(len), nullptr, 0);
   if (rc != 0) out.journal["decode_error"] = rc;
-  const FaultEffect fx = faults.on_request(kSarServiceId, -1);
-  out.delay_ms = fx.delay_ms;
-  if (fx.drop) {
-    out.reply = false;
-    out.journal["fault"] = "drop";
-    return out;
-  }
+  const FaultEffect fx = apply_faults(faults, kSarServiceId, -1, out);
+  if (!out.reply) return out;
   if (rc == QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND || msg_id != kSarRfGetState) {
     out.journal["response"] = nullptr;
     return out;

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "modem_services.h"
 #include "rpk_host.h"
 
 namespace rpk_sim {
@@ -82,7 +83,8 @@ bool Settings::set(const std::string &name, uint64_t value) {
       per_sub("card_detect_level", card_detect_level)) {
     return true;
   }
-  if (name.compare(0, 6, "stats.") == 0 && name.size() > 6) {
+  if (name.compare(0, 6, "stats.") == 0) {
+    if (!stats_field_known(name.substr(6))) return false;
     stats[name.substr(6)] = value;
     return true;
   }

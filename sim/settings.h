@@ -27,7 +27,8 @@ struct Settings {
   std::string to_json_text() const;
 
   // Sets one setting by name ("sar_state", "card_present.1", "stats.main.x"),
-  // as the control interface names them. False for an unknown name.
+  // as the control interface names them. False, changing nothing, for an
+  // unknown name (a statistics counter the modem does not have included).
   bool set(const std::string &name, uint64_t value);
 };
 

@@ -69,4 +69,28 @@ bool parse_number(const std::string &text, uint64_t *out) {
   }
 }
 
+bool json_u32(const nlohmann::json &j, const char *key, uint32_t *out) {
+  if (!j.contains(key) || !j[key].is_number_unsigned() || j[key].get<uint64_t>() > 0xFFFFFFFFu) {
+    return false;
+  }
+  *out = j[key].get<uint32_t>();
+  return true;
+}
+
+uint64_t get_le(const uint8_t *p, int n) {
+  uint64_t v = 0;
+  for (int i = 0; i < n; ++i) v |= static_cast<uint64_t>(p[i]) << (8 * i);
+  return v;
+}
+
+void put_le(uint8_t *p, uint64_t v, int n) {
+  for (int i = 0; i < n; ++i) p[i] = static_cast<uint8_t>(v >> (8 * i));
+}
+
+std::string le_bytes(uint64_t v, int n) {
+  std::string s(static_cast<size_t>(n), '\0');
+  put_le(reinterpret_cast<uint8_t *>(s.data()), v, n);
+  return s;
+}
+
 }  // namespace rpk_sim

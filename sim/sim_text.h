@@ -1,4 +1,5 @@
-// Small text helpers of the simulator's control interface.
+// Small helpers of the simulator: text and JSON of its control interface, and
+// the little-endian fields of its records.
 #pragma once
 
 #include <cstdint>
@@ -23,5 +24,13 @@ std::string spaced_hex(const std::string &bytes);
 
 // A whole unsigned number, decimal or 0x hexadecimal.
 bool parse_number(const std::string &text, uint64_t *out);
+
+// j[key] when it is an unsigned number that fits 32 bits; false otherwise.
+bool json_u32(const nlohmann::json &j, const char *key, uint32_t *out);
+
+// Little-endian fields of the modem's records and files (n bytes, n <= 8).
+uint64_t get_le(const uint8_t *p, int n);
+void put_le(uint8_t *p, uint64_t v, int n);
+std::string le_bytes(uint64_t v, int n);
 
 }  // namespace rpk_sim

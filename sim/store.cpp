@@ -11,6 +11,7 @@
 #include "factory_image.h"
 #include "modem_errors.h"
 #include "rpk_host.h"
+#include "sim_text.h"
 
 namespace fs = std::filesystem;
 
@@ -26,20 +27,8 @@ bool make_dirs(const std::string &dir) {
   return !ec;
 }
 
-void put_u16(std::string &out, uint32_t v) {
-  out.push_back(static_cast<char>(v));
-  out.push_back(static_cast<char>(v >> 8));
-}
-
-void put_u32(std::string &out, uint32_t v) {
-  for (int i = 0; i < 4; ++i) out.push_back(static_cast<char>(v >> (8 * i)));
-}
-
-uint32_t get_le(const std::string &s, size_t at, int n) {
-  uint32_t v = 0;
-  for (int i = 0; i < n; ++i)
-    v |= static_cast<uint32_t>(static_cast<uint8_t>(s[at + i])) << (8 * i);
-  return v;
+uint32_t get_le_at(const std::string &s, size_t at, int n) {
+  return static_cast<uint32_t>(get_le(reinterpret_cast<const uint8_t *>(s.data()) + at, n));
 }
 
 // Leftovers of an interrupted atomic write carry this in their name.
@@ -131,13 +120,24 @@ std::string Store::efs_file(unsigned sub, std::string_view path, int32_t *err) c
   return dir_ + "/efs/sub" + std::to_string(sub) + std::string(path);
 }
 
+std::string Store::efs_existing_file(unsigned sub, std::string_view path, int32_t *err) const {
+  std::string file = efs_file(sub, path, err);
+  struct stat st {};
+  if (file.empty()) return {};
+  if (stat(file.c_str(), &st) != 0) {
+    *err = kEfsNoEnt;
+  } else if (S_ISDIR(st.st_mode)) {
+    *err = kEfsIsDir;
+  } else {
+    return file;
+  }
+  return {};
+}
+
 int32_t Store::efs_read(unsigned sub, std::string_view path, std::string *content) const {
   int32_t err = 0;
-  const std::string file = efs_file(sub, path, &err);
+  const std::string file = efs_existing_file(sub, path, &err);
   if (file.empty()) return err;
-  struct stat st {};
-  if (stat(file.c_str(), &st) != 0) return kEfsNoEnt;
-  if (S_ISDIR(st.st_mode)) return kEfsIsDir;
   return rpk_host::read_file(file, *content) ? 0 : kEfsIo;
 }
 
@@ -154,11 +154,8 @@ int32_t Store::efs_write(unsigned sub, std::string_view path, std::string_view c
 
 int32_t Store::efs_delete(unsigned sub, std::string_view path) {
   int32_t err = 0;
-  const std::string file = efs_file(sub, path, &err);
+  const std::string file = efs_existing_file(sub, path, &err);
   if (file.empty()) return err;
-  struct stat st {};
-  if (stat(file.c_str(), &st) != 0) return kEfsNoEnt;
-  if (S_ISDIR(st.st_mode)) return kEfsIsDir;
   return unlink(file.c_str()) == 0 ? 0 : kEfsIo;
 }
 
@@ -188,17 +185,12 @@ std::string Store::make_qcn(bool privacy) const {
       }
       std::string value;
       if (nv_read(sub, item, &value) != kNvDone) continue;
-      body.push_back(static_cast<char>(sub));
-      put_u16(body, item);
-      put_u16(body, static_cast<uint32_t>(value.size()));
-      body += value;
+      body += le_bytes(sub, 1) + le_bytes(item, 2) + le_bytes(value.size(), 2) + value;
       ++count;
     }
   }
-  std::string out(kQcnMagic, sizeof kQcnMagic);
-  put_u32(out, privacy ? kQcnPrivacy : 0);
-  put_u32(out, count);
-  return out + body;
+  return std::string(kQcnMagic, sizeof kQcnMagic) + le_bytes(privacy ? kQcnPrivacy : 0, 4) +
+         le_bytes(count, 4) + body;
 }
 
 int32_t Store::qcn_backup(bool privacy) {
@@ -211,11 +203,11 @@ int32_t Store::qcn_restore(bool golden) {
   if (qcn.size() < 16 || memcmp(qcn.data(), kQcnMagic, sizeof kQcnMagic) != 0) return kNvFail;
   // Check the whole file before writing anything, so a damaged backup changes
   // nothing.
-  const uint32_t count = get_le(qcn, 12, 4);
+  const uint32_t count = get_le_at(qcn, 12, 4);
   size_t at = 16;
   for (uint32_t i = 0; i < count; ++i) {
     if (qcn.size() - at < 5) return kNvFail;
-    const uint32_t len = get_le(qcn, at + 3, 2);
+    const uint32_t len = get_le_at(qcn, at + 3, 2);
     if (qcn.size() - at - 5 < len) return kNvFail;
     at += 5 + len;
   }
@@ -223,8 +215,8 @@ int32_t Store::qcn_restore(bool golden) {
   int32_t result = kNvDone;
   for (uint32_t i = 0; i < count; ++i) {
     const unsigned sub = static_cast<uint8_t>(qcn[at]);
-    const uint32_t item = get_le(qcn, at + 1, 2);
-    const uint32_t len = get_le(qcn, at + 3, 2);
+    const uint32_t item = get_le_at(qcn, at + 1, 2);
+    const uint32_t len = get_le_at(qcn, at + 3, 2);
     if (nv_write(sub, item, std::string_view(qcn).substr(at + 5, len)) != kNvDone) {
       result = kNvFail;
     }

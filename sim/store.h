@@ -56,6 +56,8 @@ class Store {
   std::string nv_file(unsigned sub, uint32_t item) const;
   // Host file of an EFS path; empty with *err set when the path is not valid.
   std::string efs_file(unsigned sub, std::string_view path, int32_t *err) const;
+  // The same for a regular file that exists (else kEfsNoEnt or kEfsIsDir).
+  std::string efs_existing_file(unsigned sub, std::string_view path, int32_t *err) const;
   std::string make_qcn(bool privacy) const;
 
   std::string dir_;

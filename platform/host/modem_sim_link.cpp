@@ -42,10 +42,15 @@ std::string modem_sim_binary() {
   return RPK_SIM_BINARY;
 }
 
+bool modem_sim_autostart_allowed() {
+  const char *a = getenv("RPK_SIM_AUTOSTART");
+  return a == nullptr || strcmp(a, "0") != 0;
+}
+
 void ensure_modem_sim() {
   static std::mutex mu;
   static bool tried = false;
-  if (const char *a = getenv("RPK_SIM_AUTOSTART"); a != nullptr && strcmp(a, "0") == 0) return;
+  if (!modem_sim_autostart_allowed()) return;
   std::lock_guard<std::mutex> lock(mu);
   if (tried) return;
   tried = true;

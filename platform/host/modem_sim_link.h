@@ -22,6 +22,9 @@ bool modem_sim_running();
 // $RPK_SIM_BIN, else the rpk-modem-sim of this build tree.
 std::string modem_sim_binary();
 
+// False when RPK_SIM_AUTOSTART=0.
+bool modem_sim_autostart_allowed();
+
 // Starts the daemon when none runs, unless RPK_SIM_AUTOSTART=0. Tried once per
 // process; returns when the daemon is ready or the start failed. Whatever is
 // said goes to stderr, never stdout.

@@ -62,6 +62,16 @@ uint32_t c_size_of(uint8_t type) {
 
 uint32_t wire_size_of(uint8_t type) { return type == QMI_IDL_2_BYTE_ENUM ? 2 : c_size_of(type); }
 
+// Entry `index` of a type table's referenced tables; nullptr when there is none.
+const qmi_idl_type_table_object *referenced_table(const qmi_idl_type_table_object *table,
+                                                  uint16_t index) {
+  if (table == nullptr || index >= table->n_referenced_tables ||
+      table->p_referenced_tables == nullptr) {
+    return nullptr;
+  }
+  return table->p_referenced_tables[index];
+}
+
 // Parses the element description after the TLV header (or inside an aggregate).
 int read_element(TableReader &r, const qmi_idl_type_table_object *table, Element *e) {
   uint8_t flags = r.u8();
@@ -80,11 +90,7 @@ int read_element(TableReader &r, const qmi_idl_type_table_object *table, Element
   if (e->type == QMI_IDL_AGGREGATE) {
     uint8_t table_index = r.u8();
     uint8_t type_index = r.u8();
-    if (table == nullptr || table_index >= table->n_referenced_tables ||
-        table->p_referenced_tables == nullptr) {
-      return QMI_IDL_LIB_PARAMETER_ERROR;
-    }
-    const qmi_idl_type_table_object *t = table->p_referenced_tables[table_index];
+    const qmi_idl_type_table_object *t = referenced_table(table, table_index);
     if (t == nullptr || type_index >= t->n_types || t->p_types == nullptr) {
       return QMI_IDL_LIB_PARAMETER_ERROR;
     }
@@ -117,11 +123,6 @@ uint32_t c_element_size(const Element &e) {
 
 bool fits(uint32_t offset, uint64_t size, uint32_t limit) {
   return static_cast<uint64_t>(offset) + size <= limit;
-}
-
-uint32_t load_le32(const uint8_t *p) {
-  return static_cast<uint32_t>(p[0]) | (static_cast<uint32_t>(p[1]) << 8) |
-         (static_cast<uint32_t>(p[2]) << 16) | (static_cast<uint32_t>(p[3]) << 24);
 }
 
 class Writer {
@@ -177,6 +178,41 @@ class Reader {
   uint32_t left_;
 };
 
+// Struct scalars are host order; the host is little-endian like the wire, but
+// values go through these so the wire stays right either way.
+template <typename T>
+uint64_t load_as(const uint8_t *src) {
+  T x;
+  memcpy(&x, src, sizeof x);
+  return x;
+}
+
+template <typename T>
+void store_as(uint8_t *dst, uint64_t v) {
+  const auto x = static_cast<T>(v);
+  memcpy(dst, &x, sizeof x);
+}
+
+// A scalar of n (1, 2, 4 or 8) bytes in a C struct.
+uint64_t load_scalar(const uint8_t *src, uint32_t n) {
+  if (n == 1) return load_as<uint8_t>(src);
+  if (n == 2) return load_as<uint16_t>(src);
+  if (n == 4) return load_as<uint32_t>(src);
+  return load_as<uint64_t>(src);
+}
+
+void store_scalar(uint8_t *dst, uint64_t v, uint32_t n) {
+  if (n == 1) {
+    store_as<uint8_t>(dst, v);
+  } else if (n == 2) {
+    store_as<uint16_t>(dst, v);
+  } else if (n == 4) {
+    store_as<uint32_t>(dst, v);
+  } else {
+    store_as<uint64_t>(dst, v);
+  }
+}
+
 int encode_aggregate(const Element &e, const uint8_t *base, Writer &w, int depth);
 int decode_aggregate(const Element &e, uint8_t *base, Reader &r, int depth);
 
@@ -184,34 +220,11 @@ int decode_aggregate(const Element &e, uint8_t *base, Reader &r, int depth);
 int encode_one(const Element &e, const uint8_t *src, Writer &w, int depth) {
   if (e.aggregate != nullptr) return encode_aggregate(e, src, w, depth);
   if (e.type == QMI_IDL_2_BYTE_ENUM) {
-    int32_t v;
-    memcpy(&v, src, 4);
-    return w.put_le(static_cast<uint16_t>(v), 2) ? 0 : QMI_IDL_LIB_BUFFER_TOO_SMALL;
+    return w.put_le(static_cast<uint16_t>(load_scalar(src, 4)), 2) ? 0
+                                                                   : QMI_IDL_LIB_BUFFER_TOO_SMALL;
   }
-  // Struct scalars are host order; the host is little-endian like the wire,
-  // but go through the value so the wire stays right either way.
-  uint32_t n = c_size_of(e.type);
-  uint64_t v = 0;
-  switch (n) {
-    case 1:
-      v = *src;
-      break;
-    case 2: {
-      uint16_t x;
-      memcpy(&x, src, 2);
-      v = x;
-      break;
-    }
-    case 4: {
-      uint32_t x;
-      memcpy(&x, src, 4);
-      v = x;
-      break;
-    }
-    default:
-      memcpy(&v, src, 8);
-      break;
-  }
+  const uint32_t n = c_size_of(e.type);
+  const uint64_t v = load_scalar(src, n);
   return w.put_le(v, n) ? 0 : QMI_IDL_LIB_BUFFER_TOO_SMALL;
 }
 
@@ -220,27 +233,10 @@ int decode_one(const Element &e, uint8_t *dst, Reader &r, int depth) {
   uint64_t v = 0;
   if (!r.get_le(&v, wire_size_of(e.type))) return QMI_IDL_LIB_LENGTH_INCONSISTENCY;
   if (e.type == QMI_IDL_2_BYTE_ENUM) {
-    int32_t x = static_cast<int16_t>(v);
-    memcpy(dst, &x, 4);
-    return 0;
-  }
-  switch (c_size_of(e.type)) {
-    case 1:
-      *dst = static_cast<uint8_t>(v);
-      break;
-    case 2: {
-      uint16_t x = static_cast<uint16_t>(v);
-      memcpy(dst, &x, 2);
-      break;
-    }
-    case 4: {
-      uint32_t x = static_cast<uint32_t>(v);
-      memcpy(dst, &x, 4);
-      break;
-    }
-    default:
-      memcpy(dst, &v, 8);
-      break;
+    // Sign-extended into the C enum's 4 bytes.
+    store_scalar(dst, static_cast<uint32_t>(static_cast<int32_t>(static_cast<int16_t>(v))), 4);
+  } else {
+    store_scalar(dst, v, c_size_of(e.type));
   }
   return 0;
 }
@@ -254,7 +250,7 @@ int encode_element(const Element &e, const uint8_t *base, uint32_t limit, Writer
     count = e.max_count;
     if (e.variable) {
       if (!fits(e.len_offset, 4, limit)) return QMI_IDL_LIB_PARAMETER_ERROR;
-      count = load_le32(base + e.len_offset);
+      count = static_cast<uint32_t>(load_scalar(base + e.len_offset, 4));
       if (count > e.max_count) return QMI_IDL_LIB_ARRAY_TOO_BIG;
       if (!w.put_le(count, e.count_is_16 ? 2 : 1)) return QMI_IDL_LIB_BUFFER_TOO_SMALL;
     }
@@ -281,8 +277,7 @@ int decode_element(const Element &e, uint8_t *base, uint32_t limit, Reader &r, i
     if (!r.get_le(&wire_count, e.count_is_16 ? 2 : 1)) return QMI_IDL_LIB_LENGTH_INCONSISTENCY;
     if (wire_count > e.max_count) return QMI_IDL_LIB_ARRAY_TOO_BIG;
     count = static_cast<uint32_t>(wire_count);
-    uint32_t c = count;
-    memcpy(base + e.len_offset, &c, 4);
+    store_scalar(base + e.len_offset, count, 4);
   }
   for (uint32_t i = 0; i < count; ++i) {
     int rc = decode_one(e, base + e.offset + i * size, r, depth);
@@ -350,11 +345,7 @@ int lookup_message(const qmi_idl_service_object *svc, qmi_idl_type_of_message_ty
     if (ids[mid].qmi_message_id == msg_id) {
       const uint16_t table_index = ids[mid].message_table_message_id >> 12;
       const uint16_t msg_index = ids[mid].message_table_message_id & 0x0FFF;
-      const qmi_idl_type_table_object *own = svc->p_type_table;
-      if (table_index >= own->n_referenced_tables || own->p_referenced_tables == nullptr) {
-        return QMI_IDL_LIB_PARAMETER_ERROR;
-      }
-      const qmi_idl_type_table_object *t = own->p_referenced_tables[table_index];
+      const qmi_idl_type_table_object *t = referenced_table(svc->p_type_table, table_index);
       if (t == nullptr || msg_index >= t->n_messages || t->p_messages == nullptr) {
         return QMI_IDL_LIB_PARAMETER_ERROR;
       }
