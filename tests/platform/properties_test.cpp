@@ -13,33 +13,31 @@ std::string get(const char *key, const char *def = "") {
   return value;
 }
 
-TEST(Properties, SetGetAndDefaults) {
-  EXPECT_EQ(property_set("test.rpk.level", "ALL_ENABLE"), 0);
-  EXPECT_EQ(get("test.rpk.level", "ALL_DISABLE"), "ALL_ENABLE");
-  EXPECT_EQ(get("test.rpk.unset", "3"), "3");
-  // An empty value reads as unset.
-  EXPECT_EQ(property_set("test.rpk.empty", ""), 0);
-  EXPECT_EQ(get("test.rpk.empty", "dflt"), "dflt");
-  // Long names are accepted as on current Android.
-  EXPECT_EQ(property_set("persist.vendor.ssr.restart_level_bak", "ALL_DISABLE"), 0);
-  EXPECT_EQ(get("persist.vendor.ssr.restart_level_bak"), "ALL_DISABLE");
-}
-
-TEST(Properties, RefusesWhatCannotBeStored) {
+TEST(Properties, SetThenGet) {
   const std::string longest(PROPERTY_VALUE_MAX - 1, 'v');
-  EXPECT_EQ(property_set("test.rpk.long", longest.c_str()), 0);
-  EXPECT_EQ(get("test.rpk.long"), longest);
-  const struct {
+  ASSERT_EQ(property_set("test.rpk.kept", "old"), 0);
+  struct Case {
     const char *key;
     std::string value;
-  } bad[] = {
-      {"test.rpk.long", longest + "v"},  // value too long: the old value stays
-      {"", "x"},
-      {"a=b", "x"},
-      {"test.rpk.nl", "two\nlines"},
+    int rc;            // of property_set: 0, or below 0
+    const char *read;  // then read with the default "dflt"
   };
-  for (const auto &b : bad) EXPECT_LT(property_set(b.key, b.value.c_str()), 0) << b.key;
-  EXPECT_EQ(get("test.rpk.long"), longest);
+  const Case cases[] = {
+      {"test.rpk.level", "ALL_ENABLE", 0, "ALL_ENABLE"},
+      {"test.rpk.empty", "", 0, "dflt"},  // an empty value reads as unset
+      // Long names are accepted as on current Android.
+      {"persist.vendor.ssr.restart_level_bak", "ALL_DISABLE", 0, "ALL_DISABLE"},
+      {"test.rpk.long", longest, 0, longest.c_str()},
+      {"test.rpk.kept", longest + "v", -1, "old"},  // too long: the old value stays
+      {"", "x", -1, "dflt"},
+      {"a=b", "x", -1, "dflt"},
+      {"test.rpk.nl", "two\nlines", -1, "dflt"},
+  };
+  for (const Case &c : cases) {
+    const int rc = property_set(c.key, c.value.c_str());
+    EXPECT_EQ(rc < 0 ? -1 : rc, c.rc) << c.key;
+    EXPECT_EQ(get(c.key, "dflt"), c.read) << c.key;
+  }
 }
 
 TEST(Properties, ConcurrentSettersLoseNothing) {

@@ -1,7 +1,7 @@
-// The simulator's control surface as tests and shell steps use it: autostart,
-// scenario files, the command line's seeding commands.
+// The simulator's control surface as tests and shell steps use it: service
+// downs, scenario files, the command line's refusals. (Autostart runs in
+// every end-to-end case.)
 #include <qmi_client.h>
-#include <stdlib.h>
 
 #include <chrono>
 #include <fstream>
@@ -16,19 +16,6 @@ namespace rpk_sim_test {
 namespace {
 
 using ControlTest = SimTest;
-
-TEST_F(ControlTest, TheFirstCallThatNeedsTheModemStartsIt) {
-  unsetenv("RPK_SIM_AUTOSTART");
-  setenv("RPK_SIM_BIN", RPK_SIM_TEST_BINARY, 1);
-  ASSERT_FALSE(rpk_host::modem_sim_running());
-  unsigned n = 0;
-  EXPECT_EQ(
-      qmi_client_get_service_list(velmar_extend_qmi_get_service_object_v01(), nullptr, nullptr, &n),
-      0);
-  EXPECT_EQ(n, 1u);
-  EXPECT_TRUE(rpk_host::modem_sim_running());
-  unsetenv("RPK_SIM_BIN");
-}
 
 TEST_F(ControlTest, ALaterDownOutlastsAnEarlierTimedOne) {
   start();
@@ -53,7 +40,8 @@ TEST_F(ControlTest, AScenarioSeedsTheModemAtStart) {
     "efs": [{"path": "/nv/item_files/modem/velmar/ssr_update_count", "hex": "02000000"},
             {"sub": 1, "path": "/a/b", "text": "hi"}],
     "properties": {"persist.radio.ssr_wait_s": "0"},
-    "faults": [{"kind": "chunk", "size": 100}, {"kind": "delay", "ms": 10, "count": 2}]
+    "faults": [{"kind": "chunk", "size": 100}, {"kind": "delay", "ms": 10, "count": 2},
+               {"kind": "refuse_init", "count": 1}]
   })";
   ASSERT_EQ(sim("start --scenario " + file), 0);
   struct Case {
@@ -77,7 +65,7 @@ TEST_F(ControlTest, AScenarioSeedsTheModemAtStart) {
   ASSERT_EQ(sim("status", &out), 0);
   auto status = nlohmann::json::parse(out);
   EXPECT_EQ(status["efs_chunk"], 100);
-  EXPECT_EQ(status["faults"].size(), 1u);
+  EXPECT_EQ(status["faults"].size(), 2u);
   EXPECT_EQ(status["settings"]["sar_state"], 3);
   EXPECT_EQ(status["settings"]["stats"]["main.g_pk_version_not_support_num"], 2);
   ASSERT_EQ(sim("reset"), 0);
@@ -102,6 +90,7 @@ TEST_F(ControlTest, RefusalsLeaveNoDaemonBehind) {
       {"nv set 0 10 0g", 1},
       {"efs set 0 ../x 01", 1},
       {"set no_such_setting 1", 1},
+      {"set stats.main.no_such_counter 1", 1},
       {"fault", 2},
       {"bogus", 2},
       {"status", 3},

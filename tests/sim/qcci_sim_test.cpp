@@ -21,18 +21,16 @@
 namespace rpk_sim_test {
 namespace {
 
-using Record = std::vector<uint8_t>;
-
 // Generous: only a hung daemon takes this long, never a loaded machine.
 constexpr unsigned kPatientMs = 30000;
 
-int init_extend(qmi_client_type *h, qmi_client_ind_cb cb = nullptr) {
+int init_extend(qmi_client_type *h) {
   qmi_idl_service_object_type svc = velmar_extend_qmi_get_service_object_v01();
   qmi_service_info info[4] = {};
   unsigned entries = 4, services = 0;
   *h = nullptr;
   const int rc = qmi_client_get_service_list(svc, info, &entries, &services);
-  return rc != 0 ? rc : qmi_client_init(&info[0], svc, cb, nullptr, nullptr, h);
+  return rc != 0 ? rc : qmi_client_init(&info[0], svc, nullptr, nullptr, nullptr, h);
 }
 
 qmi_client_type open_extend() {
@@ -54,58 +52,32 @@ int exchange(qmi_client_type h, uint32_t id, const Record &data, velmar_extend_q
                                   timeout_ms);
 }
 
-void put32(Record &rec, size_t at, uint32_t v) {
-  for (int i = 0; i < 4; ++i) rec[at + i] = static_cast<uint8_t>(v >> (8 * i));
-}
-
-int32_t le32(const uint8_t *p) {
-  return static_cast<int32_t>(p[0] | (p[1] << 8) | (p[2] << 16) |
-                              (static_cast<uint32_t>(p[3]) << 24));
-}
-
-// Request id 2 records: NV read (op 1), NV write (op 2), EFS write (op 5).
-Record nv_efs_record(uint8_t op, uint16_t item, const std::string &path = "") {
-  Record rec(512, 0);
-  rec[0] = op;
-  rec[2] = static_cast<uint8_t>(item);
-  rec[3] = static_cast<uint8_t>(item >> 8);
-  rec[4] = static_cast<uint8_t>(path.size());
-  memcpy(rec.data() + 5, path.data(), path.size());
-  return rec;
-}
-
 Record nv_write_record(uint16_t item, const std::string &value) {
-  Record rec = nv_efs_record(2, item);
-  put32(rec, 76, static_cast<uint32_t>(value.size()));
-  memcpy(rec.data() + 88, value.data(), value.size());
-  return rec;
+  return nv_efs(2, 0, item, "", static_cast<uint32_t>(value.size()), 0, 0, value);
 }
 
 // Writes a whole EFS file as the product does: 414-byte chunks.
 int efs_write(qmi_client_type h, const std::string &path, const std::string &content) {
-  for (uint32_t cur = 0; cur < content.size(); cur += 414) {
+  const auto all = static_cast<uint32_t>(content.size());
+  for (uint32_t cur = 0; cur < all; cur += 414) {
     const std::string chunk = content.substr(cur, 414);
-    Record rec = nv_efs_record(5, 0, path);
-    put32(rec, 76, static_cast<uint32_t>(content.size()));
-    put32(rec, 80, static_cast<uint32_t>(chunk.size()));
-    put32(rec, 84, cur);
-    memcpy(rec.data() + 88, chunk.data(), chunk.size());
     velmar_extend_qmi_msg_v01 resp;
-    const int rc = exchange(h, 2, rec, &resp);
+    const int rc = exchange(
+        h, 2, nv_efs(5, 0, 0, path, all, static_cast<uint32_t>(chunk.size()), cur, chunk), &resp);
     if (rc != 0) return rc;
-    if (resp.request_id != 0 || le32(resp.data + 16) != 0) return -1000;
+    if (resp.request_id != 0 || get(resp.data + 16) != 0) return -1000;
   }
   return 0;
 }
 
 std::string nv_value(qmi_client_type h, uint16_t item) {
   velmar_extend_qmi_msg_v01 resp;
-  const int rc = exchange(h, 2, nv_efs_record(1, item), &resp);
-  if (rc != 0 || le32(resp.data + 16) != 0) {
-    return "<error " + std::to_string(rc) + " " + std::to_string(le32(resp.data + 16)) + ">";
+  const int rc = exchange(h, 2, nv_efs(1, 0, item), &resp);
+  if (rc != 0 || get(resp.data + 16) != 0) {
+    return "<error " + std::to_string(rc) + " " + std::to_string(get(resp.data + 16)) + ">";
   }
   return std::string(reinterpret_cast<const char *>(resp.data + 20),
-                     static_cast<size_t>(le32(resp.data + 4)));
+                     static_cast<size_t>(get(resp.data + 4)));
 }
 
 pid_t daemon_pid(const std::string &dir) {
@@ -135,11 +107,11 @@ TEST_F(QcciSimTest, ReadsAnNvItemAndTheJournalShowsTheExactRequest) {
   EXPECT_EQ(e["wire"].get<std::string>().size(), 2u * 536);
 }
 
-TEST_F(QcciSimTest, SendChecksItsArguments) {
+TEST_F(QcciSimTest, SendChecksItsArgumentsAndTheModemItsEnvelope) {
   start();
   qmi_client_type h = open_extend();
   ASSERT_NE(h, nullptr);
-  velmar_extend_qmi_msg_v01 req{}, resp{};
+  velmar_extend_qmi_msg_v01 req{}, resp{};  // request id 0, no data
   struct Case {
     const char *name;
     unsigned msg_id;
@@ -148,6 +120,7 @@ TEST_F(QcciSimTest, SendChecksItsArguments) {
     void *resp;
     unsigned resp_len;
     int expected;
+    uint32_t result = 0;  // the modem's envelope result, when sent
   };
   const Case cases[] = {
       {"request not its struct size", 2, &req, 100, &resp, sizeof resp, QMI_CLIENT_PARAM_ERR},
@@ -155,14 +128,18 @@ TEST_F(QcciSimTest, SendChecksItsArguments) {
       {"unknown message", 9, &req, sizeof req, &resp, sizeof resp,
        QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND},
       {"response struct too small", 2, &req, sizeof req, &resp, 100, QMI_IDL_LIB_BUFFER_TOO_SMALL},
-      {"empty request is sent and refused by the modem", 2, nullptr, 0, &resp, sizeof resp, 0},
+      {"empty request: does not decode", 2, nullptr, 0, &resp, sizeof resp, 0, 0x01},
+      {"no data", 2, &req, sizeof req, &resp, sizeof resp, 0, 0x11},
+      {"the other message", 3, &req, sizeof req, &resp, sizeof resp, 0, 0x5E},
   };
   for (const Case &c : cases) {
     EXPECT_EQ(qmi_client_send_msg_sync(h, c.msg_id, c.req, c.req_len, c.resp, c.resp_len, 3000),
               c.expected)
         << c.name;
+    if (c.expected == 0) {
+      EXPECT_EQ(resp.request_id, c.result) << c.name;
+    }
   }
-  EXPECT_EQ(resp.request_id, 0x01u);  // the empty request does not decode on the modem
   qmi_client_release(h);
   EXPECT_EQ(qmi_client_send_msg_sync(h, 2, &req, sizeof req, &resp, sizeof resp, 3000),
             QMI_CLIENT_INVALID_CLNT);
@@ -192,15 +169,15 @@ TEST_F(QcciSimTest, FaultsHitTheirTargetAndAreUsedUp) {
     ASSERT_EQ(init_extend(&h), c.init_rc) << c.fault;
     velmar_extend_qmi_msg_v01 resp;
     if (h != nullptr) {
-      EXPECT_EQ(exchange(h, 2, nv_efs_record(1, 550), &resp), 0) << c.fault;
+      EXPECT_EQ(exchange(h, 2, nv_efs(1, 0, 550), &resp), 0) << c.fault;
       EXPECT_EQ(resp.request_id, c.result) << c.fault;
       EXPECT_EQ(resp.data_valid, c.data_valid) << c.fault;
-      EXPECT_EQ(exchange(h, 2, nv_efs_record(1, 550), &resp), c.then_rc) << c.fault;
+      EXPECT_EQ(exchange(h, 2, nv_efs(1, 0, 550), &resp), c.then_rc) << c.fault;
       qmi_client_release(h);
     }
     // Used up or never hit: a new client gets a plain answer.
     ASSERT_EQ(init_extend(&h), 0) << c.fault;
-    EXPECT_EQ(exchange(h, 2, nv_efs_record(1, 550), &resp), 0) << c.fault;
+    EXPECT_EQ(exchange(h, 2, nv_efs(1, 0, 550), &resp), 0) << c.fault;
     EXPECT_EQ(resp.data_valid, 1) << c.fault;
     qmi_client_release(h);
     ASSERT_EQ(sim("fault clear"), 0);
@@ -213,11 +190,9 @@ TEST_F(QcciSimTest, ALateAnswerIsDroppedAndTheNextOneMatches) {
   qmi_client_type h = open_extend();
   ASSERT_NE(h, nullptr);
   velmar_extend_qmi_msg_v01 resp;
-  EXPECT_EQ(exchange(h, 2, nv_efs_record(1, 550), &resp, 100), QMI_TIMEOUT_ERR);
+  EXPECT_EQ(exchange(h, 2, nv_efs(1, 0, 550), &resp, 100), QMI_TIMEOUT_ERR);
   std::this_thread::sleep_for(std::chrono::milliseconds(700));
-  Record sub1 = nv_efs_record(1, 550);
-  sub1[1] = 1;
-  EXPECT_EQ(exchange(h, 2, sub1, &resp), 0);
+  EXPECT_EQ(exchange(h, 2, nv_efs(1, 1, 550), &resp), 0);
   EXPECT_EQ(resp.data[20 + 8], 0x71);  // the second IMEI's last BCD byte, not the first's
   qmi_client_release(h);
 }
@@ -231,16 +206,11 @@ TEST_F(QcciSimTest, SubsystemRestartTakesTheServicesAwayForAWhile) {
   ASSERT_EQ(qmi_client_notifier_init(svc, &os, &notifier), 0);
   qmi_client_type h = open_extend();
   ASSERT_NE(h, nullptr);
-  Record restart(512, 0);
-  put32(restart, 0, 2);   // common command
-  put32(restart, 8, 31);  // subsystem restart
-  put32(restart, 12, 4);
-  put32(restart, 16, 0x1000);
   velmar_extend_qmi_msg_v01 resp;
-  ASSERT_EQ(exchange(h, 4, restart, &resp), 0);
-  EXPECT_EQ(le32(resp.data + 4), 0);
+  ASSERT_EQ(exchange(h, 4, common(31, {0x1000}), &resp), 0);  // subsystem restart
+  EXPECT_EQ(get(resp.data + 4), 0u);
   // The old connection is gone with the service.
-  EXPECT_EQ(exchange(h, 2, nv_efs_record(1, 550), &resp), QMI_SERVICE_ERR);
+  EXPECT_EQ(exchange(h, 2, nv_efs(1, 0, 550), &resp), QMI_SERVICE_ERR);
   unsigned n = 0;
   EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &n), QMI_SERVICE_ERR);
   // The signal was set when the service first showed up; clear it to see it come back.
@@ -316,7 +286,7 @@ TEST_F(QcciSimTest, KillDuringWritesLosesNothingAcknowledged) {
       velmar_extend_qmi_msg_v01 resp;
       if (efs_write(h, path, content(v)) != 0 ||
           exchange(h, 2, nv_write_record(7100, std::to_string(v)), &resp) != 0 ||
-          le32(resp.data + 16) != 0) {
+          get(resp.data + 16) != 0) {
         break;
       }
       acknowledged = v;
@@ -328,9 +298,10 @@ TEST_F(QcciSimTest, KillDuringWritesLosesNothingAcknowledged) {
          writer.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
   }
   ASSERT_GE(acknowledged, 5) << "the writer failed before the kill";
-  ASSERT_EQ(kill(daemon_pid(dir_), SIGKILL), 0);
+  const int killed = kill(daemon_pid(dir_), SIGKILL);
   stop_writing = true;
   writer.get();
+  ASSERT_EQ(killed, 0);
   const int last = acknowledged;
 
   // Each file is whole: the last acknowledged version, or the one in flight.

@@ -2,12 +2,46 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 
 #include "rpk_host.h"
 
 namespace rpk_sim_test {
+
+void put(Record &r, size_t at, uint64_t v, int n) {
+  for (int i = 0; i < n; ++i) r[at + i] = static_cast<uint8_t>(v >> (8 * i));
+}
+
+uint32_t get(const uint8_t *p) {
+  return p[0] | (p[1] << 8) | (p[2] << 16) | (static_cast<uint32_t>(p[3]) << 24);
+}
+
+Record nv_efs(uint8_t op, uint8_t sub, uint16_t item, const std::string &path, uint32_t all,
+              uint32_t send, uint32_t cur, const std::string &data) {
+  Record r(512, 0);
+  r[0] = op;
+  r[1] = sub;
+  put(r, 2, item, 2);
+  r[4] = static_cast<uint8_t>(path.size());
+  memcpy(r.data() + 5, path.data(), std::min<size_t>(path.size(), 71));
+  put(r, 76, all, 4);
+  put(r, 80, send, 4);
+  put(r, 84, cur, 4);
+  memcpy(r.data() + 88, data.data(), data.size());
+  return r;
+}
+
+Record common(uint32_t t, const std::vector<uint32_t> &v, uint32_t kind) {
+  Record r(512, 0);
+  put(r, 0, kind, 4);
+  put(r, 8, t, 4);
+  put(r, 12, 4 * v.size(), 4);
+  for (size_t i = 0; i < v.size(); ++i) put(r, 16 + 4 * i, v[i], 4);
+  return r;
+}
 
 int sim(const std::string &args, std::string *out) {
   const std::string cmd = std::string(RPK_SIM_TEST_BINARY) + " " + args;
