@@ -42,6 +42,7 @@ struct qmi_client_struct {
   // Guarded by mu.
   bool stop = false;  // notifier: end the watcher; client: released
   bool dead = false;  // client: the connection is gone
+  bool released = false;
   bool delete_on_exit = false;
   uint16_t last_txn = 0;
   std::map<uint16_t, Pending *> pending;
@@ -172,6 +173,10 @@ void read_packets(qmi_client_type h) {
     std::lock_guard<std::mutex> lock(h->mu);
     h->dead = true;
     self_delete = h->delete_on_exit;
+    // A client whose connection ended may never be released (the product
+    // keeps its client for the life of the process): the reader lets go of
+    // itself, unless a release already waits to join it.
+    if (!self_delete && !h->released) h->thread.detach();
     h->cv.notify_all();
   }
   if (self_delete) {
@@ -200,7 +205,11 @@ qmi_client_error_type open_client(rpk_qmi::Join join, int fd, qmi_idl_service_ob
   h->ind_cb = cb;
   h->ind_cb_data = cb_data;
   add_handle(h);
-  h->thread = std::thread(read_packets, h);
+  {
+    // The reader may end at once and let go of itself; it must find itself.
+    std::lock_guard<std::mutex> lock(h->mu);
+    h->thread = std::thread(read_packets, h);
+  }
   *out = h;
   return QMI_NO_ERR;
 }
@@ -428,14 +437,19 @@ qmi_client_error_type qmi_client_release(qmi_client_type user_handle) {
   }
   // Waking the reader with a shutdown makes it finish on its own.
   shutdown(h->fd, SHUT_RDWR);
-  if (h->thread.get_id() == std::this_thread::get_id()) {
-    // Released from its own indication callback: the reader frees it.
+  bool join = false;
+  {
     std::lock_guard<std::mutex> lock(h->mu);
-    h->thread.detach();
-    h->delete_on_exit = true;
-    return QMI_NO_ERR;
+    h->released = true;
+    if (h->thread.get_id() == std::this_thread::get_id()) {
+      // Released from its own indication callback: the reader frees it.
+      h->thread.detach();
+      h->delete_on_exit = true;
+      return QMI_NO_ERR;
+    }
+    join = h->thread.joinable();  // not when the reader already let go
   }
-  h->thread.join();
+  if (join) h->thread.join();
   close(h->fd);
   delete h;
   return QMI_NO_ERR;
