@@ -51,14 +51,13 @@ qmi_client_type client_open_nolock() {
   qmi_client_notifier_init(g_state.service_object, &g_state.notifier_os_params, &notifier);
 
   // No retry limit: a test tool without its service has nothing else to do.
-  int rc = qmi_client_get_service_list(g_state.service_object, nullptr, nullptr, &num_services);
-  printf("VELMAR_QMI_NV: qmi_client_get_service_list() returned %d num_services = %d\n", rc,
-         num_services);
-  while (rc != QMI_NO_ERR) {
-    qmi_cci_os_signal_wait(&g_state.notifier_os_params, 0);
+  int rc = QMI_NO_ERR;
+  for (;;) {
     rc = qmi_client_get_service_list(g_state.service_object, nullptr, nullptr, &num_services);
     printf("VELMAR_QMI_NV: qmi_client_get_service_list() returned %d num_services = %d\n", rc,
            num_services);
+    if (rc == QMI_NO_ERR) break;
+    qmi_cci_os_signal_wait(&g_state.notifier_os_params, 0);
   }
 
   num_entries = std::min(num_services, kServiceInfoMax);
