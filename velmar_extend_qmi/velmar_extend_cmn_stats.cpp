@@ -136,7 +136,7 @@ void velmar_test_modem_stats_get_debug_info_do(int mask) {
   printf("Get the debug info of modem_stats, mask = 0x%x\n", mask);
   uint8_t req[VELMAR_EXTEND_QMI_DATA_MAX] = {};
   req[0] = VELMAR_COMMON_KIND_STATS_DEBUG;  // u32 20, little-endian; the mask is not sent
-  uint8_t rsp[VELMAR_STATS_DEBUG_RSP_ROOM] = {};
+  uint8_t rsp[VELMAR_CMN_RSP_ROOM] = {};
   uint32_t rsp_len = sizeof rsp;
   const int32_t result = velmar_common_qmi_req(req, sizeof req, rsp, &rsp_len);
   const auto rsp_result =

@@ -4,12 +4,12 @@
 
 #include <cstdint>
 
-// Debug response, little-endian and packed:
+// Debug response, little-endian and packed, received into the room every
+// request id 4 response gets (VELMAR_CMN_RSP_ROOM):
 //   0  u32  not read
 //   4  i32  result, 0 success
 //   8  u8   version, then the sections the mask selects, back to back
 //           (support status instead when the mask is 0)
-inline constexpr uint32_t VELMAR_STATS_DEBUG_RSP_ROOM = 508;
 inline constexpr int VELMAR_STATS_DEBUG_RESULT_AT = 4;
 inline constexpr int VELMAR_STATS_DEBUG_BODY_AT = 8;
 

@@ -64,13 +64,14 @@ inline constexpr uint32_t VELMAR_COMMON_KIND_GPIO = 0;
 inline constexpr uint32_t VELMAR_COMMON_KIND_TX_ANT = 1;
 inline constexpr uint32_t VELMAR_COMMON_KIND_CMN = 2;
 inline constexpr uint32_t VELMAR_COMMON_KIND_STATS_DEBUG = 20;
+// Room offered for the response of any kind (its last 4 bytes are never
+// filled).
+inline constexpr uint32_t VELMAR_CMN_RSP_ROOM = 508;
 
 inline constexpr size_t VELMAR_CMN_VALUE_MAX = 496;
 // The length bound of a common value. Deliberately looser than the value area:
 // 497..499 bytes pass it and are stopped by the bounded copy instead.
 inline constexpr uint32_t VELMAR_CMN_LEN_LIMIT = 500;
-// Room offered for a common response (its last 4 bytes are never filled).
-inline constexpr uint32_t VELMAR_CMN_RSP_ROOM = 508;
 
 // Common request and response (request id 4, kind 2); sent as 512 bytes.
 struct velmar_cmn_record {
