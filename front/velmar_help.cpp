@@ -1,6 +1,7 @@
 #include "front/velmar_help.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 #include "front/velmar_cmd_ids.h"
 
@@ -149,4 +150,14 @@ int show_help(uint32_t n) {
   return puts(
       "=========== above: radio_probe_kit(rpk) cmd help "
       "=======================================================\n");
+}
+
+void velmar_note_too_few_parameters() {
+  puts("\nnote: Too few parameters, Pls refer to the following cmd:");
+}
+
+bool velmar_category_matches(char **argv, int category) {
+  if (atoi(argv[1]) == category) return true;
+  printf("\nnote: the first parameters should be %d, Pls refer to the following cmd:\n", category);
+  return false;
 }

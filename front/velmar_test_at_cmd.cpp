@@ -68,11 +68,7 @@ int32_t velmar_test_at_cmd_do(int argc, char **argv) {
     puts("\nnote: The number of inputs should be 2, Pls refer to the following cmd:");
     return reject();
   }
-  if (atoi(argv[1]) != VELMAR_CAT_AT) {
-    printf("\nnote: the first parameters should be %d, Pls refer to the following cmd:\n",
-           VELMAR_CAT_AT);
-    return reject();
-  }
+  if (!velmar_category_matches(argv, VELMAR_CAT_AT)) return reject();
   if (strlen(argv[2]) > VELMAR_AT_CMD_MAX_LEN) {
     printf("\nnote: the second parameters length should <= %d, Pls refer to the following cmd:\n",
            VELMAR_AT_CMD_MAX_LEN);

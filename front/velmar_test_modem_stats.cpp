@@ -11,12 +11,10 @@
 
 int32_t velmar_test_modem_stats_do(int argc, char **argv) {
   if (argc < 3) {
-    puts("\nnote: Too few parameters, Pls refer to the following cmd:");
+    velmar_note_too_few_parameters();
     return show_help(VELMAR_CAT_MODEM_STATS);
   }
-  if (atoi(argv[1]) != VELMAR_CAT_MODEM_STATS) {
-    printf("\nnote: the first parameters should be %d, Pls refer to the following cmd:\n",
-           VELMAR_CAT_MODEM_STATS);
+  if (!velmar_category_matches(argv, VELMAR_CAT_MODEM_STATS)) {
     return show_help(VELMAR_CAT_MODEM_STATS);
   }
   const int type = atoi(argv[2]);

@@ -133,15 +133,12 @@ int32_t velmar_nvefs_test_efs_delete(int argc, char **argv) {
 int32_t velmar_test_nvefs_do(int argc, char **argv) {
   constexpr int cat = VELMAR_CAT_NVEFS;
   if (argc < 2) {
-    puts("\nnote: Too few parameters, Pls refer to the following cmd:");
+    velmar_note_too_few_parameters();
     return show_help(cat);
   }
-  if (atoi(argv[1]) != cat) {
-    printf("\nnote: the first parameters should be %d, Pls refer to the following cmd:\n", cat);
-    return show_help(cat);
-  }
+  if (!velmar_category_matches(argv, cat)) return show_help(cat);
   if (argc < 3) {
-    puts("\nnote: Too few parameters, Pls refer to the following cmd:");
+    velmar_note_too_few_parameters();
     return show_help(cat);
   }
   const int op = atoi(argv[kArgOp]);

@@ -22,13 +22,10 @@ constexpr int kArgcMin = 4;  // at least one byte
 int32_t velmar_test_qmi_send_data_do(int argc, char **argv) {
   constexpr int cat = VELMAR_CAT_QMI_SEND;
   if (argc < kArgcMin) {
-    puts("\nnote: Too few parameters, Pls refer to the following cmd:");
+    velmar_note_too_few_parameters();
     return show_help(cat);
   }
-  if (atoi(argv[1]) != cat) {
-    printf("\nnote: the first parameters should be %d, Pls refer to the following cmd:\n", cat);
-    return show_help(cat);
-  }
+  if (!velmar_category_matches(argv, cat)) return show_help(cat);
   // Unsigned, so a negative id is out of range too.
   const auto qmi_id = static_cast<uint32_t>(atoi(argv[kArgId]));
   if (qmi_id >= static_cast<uint32_t>(VELMAR_QMI_ID_END)) {

@@ -8,6 +8,7 @@
 
 #include "front/velmar_cmd_ids.h"
 #include "front/velmar_console.h"
+#include "front/velmar_help.h"
 
 namespace {
 
@@ -168,7 +169,7 @@ bool modem_stats_diag_process_event_ex(uint16_t event_id, uint8_t *payload) {
 
 int velmar_test_modem_stats_log_or_event(int argc, char **argv) {
   if (argc <= 3) {
-    puts("\nnote: Too few parameters, Pls refer to the following cmd:");
+    velmar_note_too_few_parameters();
     return 0;
   }
   const int type = atoi(argv[2]);

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <span>
 
+#include "front/velmar_help.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 #include "velmar_extend_qmi/velmar_extend_cmn.h"
@@ -171,7 +172,7 @@ void velmar_test_modem_stats_get_debug_info_do(int mask) {
 
 int velmar_test_modem_stats_get_debug_info(int argc, char **argv) {
   if (argc < 4) {
-    puts("\nnote: Too few parameters, Pls refer to the following cmd:");
+    velmar_note_too_few_parameters();
     return 0;
   }
   velmar_test_modem_stats_get_debug_info_do(atoi(argv[3]));
