@@ -5,14 +5,12 @@
 // rpk-decode does before each dispatch. The engine prints every packet; the
 // printing goes to /dev/null and is part of what is measured.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <vector>
 
+#include "bench/quiet_stdout.h"
 #include "modem_stats/logs/golden.h"
 #include "modem_stats/modem_stats_dispatch.h"
 
@@ -104,26 +102,6 @@ std::vector<packet> golden_set() {
   }
   return set;
 }
-
-// Sends stdout to /dev/null for the life of the object.
-class quiet_stdout {
- public:
-  quiet_stdout() {
-    fflush(stdout);
-    saved_ = dup(STDOUT_FILENO);
-    const int null_fd = open("/dev/null", O_WRONLY);
-    dup2(null_fd, STDOUT_FILENO);
-    close(null_fd);
-  }
-  ~quiet_stdout() {
-    fflush(stdout);
-    dup2(saved_, STDOUT_FILENO);
-    close(saved_);
-  }
-
- private:
-  int saved_;
-};
 
 void fill_area(std::vector<uint8_t> &area, const packet &p) {
   std::fill(area.begin(), area.end(), 0);

@@ -20,6 +20,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/quiet_stdout.h"
 #include "front/velmar_test_nvefs.h"
 #include "velmar_extend_qmi/velmar_extend_nvefs.h"
 
@@ -45,27 +46,6 @@ void use_private_state_dir() {
   g_state_dir = tmpl;
   setenv("RPK_SIM_DIR", tmpl, 1);
 }
-
-// Redirects stdout to /dev/null while it lives.
-class quiet_stdout {
- public:
-  quiet_stdout() : saved_(dup(STDOUT_FILENO)) {
-    fflush(stdout);
-    const int null_fd = open("/dev/null", O_WRONLY);
-    dup2(null_fd, STDOUT_FILENO);
-    close(null_fd);
-  }
-  ~quiet_stdout() {
-    fflush(stdout);
-    dup2(saved_, STDOUT_FILENO);
-    close(saved_);
-  }
-  quiet_stdout(const quiet_stdout &) = delete;
-  quiet_stdout &operator=(const quiet_stdout &) = delete;
-
- private:
-  int saved_;
-};
 
 int32_t nv_read_command() {
   char a0[] = "rpk", a1[] = "4", a2[] = "1", a3[] = "0", a4[] = "550";
