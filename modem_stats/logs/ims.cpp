@@ -6,9 +6,8 @@
 
 namespace {
 
-// Field offsets below count from the bit base after the one-byte version, so
-// the byte at payload offset n starts at bit 8n - 8.
-constexpr int byte_bit(int payload_byte) { return 8 * payload_byte - 8; }
+// Field offsets below count from the bit base after the one-byte version.
+using modem_stats_log_short::byte_bit;
 
 // ---- 0x1568 RTP sequence number and payload --------------------------------
 

@@ -62,6 +62,13 @@ const Layout *modem_stats_log_read_version(const Layout (&table)[N], const char 
   return modem_stats_log_row(*version, table);
 }
 
+// Short names for the layout tables of the parsers whose version is one byte.
+namespace modem_stats_log_short {
+// The bit, counted from the base after the version, at which payload byte
+// `payload_byte` starts.
+constexpr int byte_bit(int payload_byte) { return 8 * payload_byte - 8; }
+}  // namespace modem_stats_log_short
+
 // Reads a field that is known to be a small unsigned value into an int.
 inline bool modem_stats_log_bits(const modem_stats_field &f, int extra_bits, int *out) {
   int64_t v = 0;

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int byte_bit(int payload_byte) { return 8 * payload_byte - 8; }
+using modem_stats_log_short::byte_bit;
 constexpr int kRxChains = 4;
 
 // ---- 0xB111 LL1 receive AGC -------------------------------------------------
