@@ -1,11 +1,14 @@
 #include "modem_stats/modem_stats_cursor.h"
 
+#include <algorithm>
 #include <bit>
 #include <cassert>
 #include <cinttypes>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+
+#include "front/velmar_bytes.h"
 
 int g_pk_data_id = 0;
 int g_pk_data_len = 0;
@@ -36,19 +39,8 @@ bool failed() {
 // which trusts a moved bit base; bytes past the readable area are read as 0
 // rather than from whatever memory follows it.
 uint64_t load_le(int64_t at, int n) {
-  const uint8_t *p = g_pk_data_ptr + at;
-  if (at + n <= g_pk_data_len) {
-    if constexpr (std::endian::native == std::endian::little) {
-      uint64_t v = 0;
-      memcpy(&v, p, static_cast<size_t>(n));
-      return v;
-    }
-  }
-  uint64_t v = 0;
-  for (int i = 0; i < n; ++i) {
-    if (at + i < g_pk_data_len) v |= static_cast<uint64_t>(p[i]) << (8 * i);
-  }
-  return v;
+  const int64_t inside = std::clamp<int64_t>(g_pk_data_len - at, 0, n);
+  return velmar_load_le(g_pk_data_ptr + at, static_cast<size_t>(inside));
 }
 
 // The byte-aligned read; `suffix` is appended to the name in messages (the

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <span>
 
+#include "front/velmar_bytes.h"
 #include "front/velmar_help.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
@@ -80,12 +81,6 @@ static_assert(size_of(kCm) == 58);
 static_assert(size_of(kUim) == 10);
 static_assert(size_of(kSupport) == 26);
 
-uint64_t load_le(const uint8_t *p, int n) {
-  uint64_t v = 0;
-  for (int i = 0; i < n; ++i) v |= static_cast<uint64_t>(p[i]) << (8 * i);
-  return v;
-}
-
 void print_field(const char *name, int size, uint64_t value) {
   printf("UNPK[size:%d], %s = %" PRIu64 "\n", size, name, value);
 }
@@ -97,7 +92,7 @@ int unpk_fields(const uint8_t *p, std::span<const stats_field> fields) {
   }
   int at = 0;
   for (const auto &f : fields) {
-    print_field(f.name, f.size, load_le(p + at, f.size));
+    print_field(f.name, f.size, velmar_load_le(p + at, static_cast<size_t>(f.size)));
     at += f.size;
   }
   return at;
@@ -124,8 +119,8 @@ int velmar_modem_stats_uim_info_unpk(const uint8_t *p) { return unpk_fields(p, k
 
 bool velmar_modem_stats_support_status_check(const uint8_t *p) {
   if (unpk_fields(p, kSupport) == 0) return false;
-  const uint64_t enabled = load_le(p + 1, 1);
-  const uint64_t not_supported = load_le(p + 2, 8);
+  const uint64_t enabled = velmar_load_le(p + 1, 1);
+  const uint64_t not_supported = velmar_load_le(p + 2, 8);
   const bool ok = not_supported == 0 && enabled != 0;
   puts("===========================================");
   puts(ok ? "================ SUCCES ==================="
@@ -141,7 +136,7 @@ void velmar_test_modem_stats_get_debug_info_do(int mask) {
   uint32_t rsp_len = sizeof rsp;
   const int32_t result = velmar_common_qmi_req(req, sizeof req, rsp, &rsp_len);
   const auto rsp_result =
-      static_cast<int32_t>(load_le(rsp + VELMAR_STATS_DEBUG_RESULT_AT, sizeof(int32_t)));
+      static_cast<int32_t>(velmar_load_le(rsp + VELMAR_STATS_DEBUG_RESULT_AT, sizeof(int32_t)));
   if (result != 0) {
     printf("velmar_common_qmi_req fail, REQUEST_ID_COMMON, result = %d, rsp.result = %d\n", result,
            rsp_result);

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "front/velmar_bytes.h"
+
 namespace {
 
 constexpr uint8_t kFlag = 0x7E;
@@ -26,7 +28,7 @@ constexpr std::array<uint16_t, 256> kCrcTable = [] {
 }();
 
 uint16_t le16(std::span<const uint8_t> b, size_t at) {
-  return static_cast<uint16_t>(b[at] | b[at + 1] << 8);
+  return static_cast<uint16_t>(velmar_load_le(&b[at], 2));
 }
 
 void check_frame(std::span<const uint8_t> frame, size_t where, const decode_sink &sink) {
