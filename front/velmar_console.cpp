@@ -58,6 +58,11 @@ int32_t velmar_string_to_int(const char *text) {
   return atoi(text);
 }
 
+void velmar_print_hex_bytes(const uint8_t *data, uint32_t len) {
+  for (uint32_t i = 0; i < len; ++i) printf(" %02X", data[i]);
+  putchar('\n');
+}
+
 void dump_data(uint32_t length) {
   const int32_t len =
       std::min(static_cast<int32_t>(length), static_cast<int32_t>(VELMAR_NV_DATA_BUF_SIZE));

@@ -16,6 +16,10 @@ int32_t velmar_string_to_int(const char *text);
 // are not hex digits count as 0; only the first 50 characters are read.
 int32_t velmar_hex_string_to_int(const char *digits);
 
+// Prints each of the len bytes as " %02X" and ends the line: the data line of
+// the commands that show an answer's bytes.
+void velmar_print_hex_bytes(const uint8_t *data, uint32_t len);
+
 // Classic hex dump of the first `length` bytes of g_nv_data_buf (at most its
 // size), 16 a line, with the tool's shifted text column.
 void dump_data(uint32_t length);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "front/velmar_cmd_ids.h"
+#include "front/velmar_console.h"
 #include "front/velmar_handlers.h"
 #include "front/velmar_help.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"
@@ -50,8 +51,7 @@ uint32_t parse_data(int argc, char **argv, uint8_t *out) {
 
 void print_data(const uint8_t *data, uint32_t len) {
   printf("\ndata len(%d)\ndata: ", len);
-  for (uint32_t i = 0; i < len; ++i) printf(" %02X", data[i]);
-  putchar('\n');
+  velmar_print_hex_bytes(data, len);
 }
 
 int32_t report_failure(int32_t result) {

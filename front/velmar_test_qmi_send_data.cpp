@@ -54,7 +54,6 @@ int32_t velmar_test_qmi_send_data_do(int argc, char **argv) {
     return result;
   }
   printf("kv_qmi rsp data(qmi_id: %d, len: %d[max: %d]):\n", qmi_id, rsp_len, VELMAR_QMI_SEND_MAX);
-  for (uint32_t i = 0; i < rsp_len; ++i) printf(" %02X", rsp[i]);
-  putchar('\n');
+  velmar_print_hex_bytes(rsp, rsp_len);
   return 0;
 }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "front/velmar_console.h"
 #include "front/velmar_log.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_client.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
@@ -77,8 +78,7 @@ int32_t velmar_cmn_cmd_send(int32_t t, uint32_t l, const uint8_t *v) {
     const uint32_t shown = l + 8;
     printf("\ndata len(%d)\ndata:", shown);
     const auto *from = reinterpret_cast<const uint8_t *>(&rsp.t);
-    for (uint32_t i = 0; i < shown; ++i) printf(" %02X", from[i]);
-    putchar('\n');
+    velmar_print_hex_bytes(from, shown);
   }
   return result;
 }
