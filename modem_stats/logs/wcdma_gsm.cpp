@@ -27,52 +27,41 @@ constexpr two_chain_layout kGsmLayouts[] = {
     {6, {"rx_prx_old", 0, 16, true}, {"rx_drx_old", 16, 16, true}},
 };
 
-struct two_chain_values {
-  uint32_t version;
-  int old0, old1;
-};
-
+// Both parsers read the two raw levels, convert them with `to_db`, print raw
+// and converted values and pack the version and the decibels; only the names,
+// the conversion and the record type differ.
 template <size_t N>
-bool read_two_chains(const two_chain_layout (&table)[N], const char *name, two_chain_values *v) {
-  const two_chain_layout *l = modem_stats_log_read_version(table, name, &v->version);
+bool parse_two_chains(const two_chain_layout (&table)[N], const char *name, float (*to_db)(int32_t),
+                      const char *db0_name, const char *db1_name, uint32_t stat_id_value,
+                      uint32_t *stat_id, modem_stats_single **record) {
+  uint32_t version = 0;
+  const two_chain_layout *l = modem_stats_log_read_version(table, name, &version);
   if (l == nullptr) return false;
-  return modem_stats_log_bits(l->chain0, 0, &v->old0) &&
-         modem_stats_log_bits(l->chain1, 0, &v->old1);
+  int old0 = 0, old1 = 0;
+  if (!modem_stats_log_bits(l->chain0, 0, &old0) || !modem_stats_log_bits(l->chain1, 0, &old1)) {
+    return false;
+  }
+  const float db0 = to_db(old0);
+  const float db1 = to_db(old1);
+  std::printf("version = %d, %s = %d, %s = %d, %s = %.2f, %s = %.2f\n", static_cast<int>(version),
+              l->chain0.name, old0, l->chain1.name, old1, db0_name, db0, db1_name, db1);
+  return modem_stats_log_pack(
+      {modem_stats_pk_int("version", version, 1), modem_stats_pk_float(db0_name, db0),
+       modem_stats_pk_float(db1_name, db1)},
+      stat_id_value, stat_id, record);
 }
 
 }  // namespace
 
 bool modem_stats_parse_4179_diag_log_wcdma_pn_search_edition2(uint32_t *stat_id,
                                                               modem_stats_single **record) {
-  two_chain_values v{};
-  if (!read_two_chains(kWcdmaLayouts, "modem_stats_parse_4179_diag_log_wcdma_pn_search_edition2",
-                       &v)) {
-    return false;
-  }
-  const float agc0 = modem_stats_wcdma_rssi(v.old0);
-  const float agc1 = modem_stats_wcdma_rssi(v.old1);
-  std::printf(
-      "version = %d, rx_agc_old_0 = %d, rx_agc_old_1 = %d, rx_agc_0 = %.2f, rx_agc_1 = %.2f\n",
-      static_cast<int>(v.version), v.old0, v.old1, agc0, agc1);
-  return modem_stats_log_pack(
-      {modem_stats_pk_int("version", v.version, 1), modem_stats_pk_float("rx_agc_0", agc0),
-       modem_stats_pk_float("rx_agc_1", agc1)},
-      110, stat_id, record);
+  return parse_two_chains(kWcdmaLayouts, "modem_stats_parse_4179_diag_log_wcdma_pn_search_edition2",
+                          modem_stats_wcdma_rssi, "rx_agc_0", "rx_agc_1", 110, stat_id, record);
 }
 
 bool modem_stats_parse_5096_diag_log_gsm_l1_rx_diversity_metrics(uint32_t *stat_id,
                                                                  modem_stats_single **record) {
-  two_chain_values v{};
-  if (!read_two_chains(kGsmLayouts, "modem_stats_parse_5096_diag_log_gsm_l1_rx_diversity_metrics",
-                       &v)) {
-    return false;
-  }
-  const float prx = modem_stats_gsm_rssi(v.old0);
-  const float drx = modem_stats_gsm_rssi(v.old1);
-  std::printf("version = %d, rx_prx_old = %d, rx_drx_old = %d, rx_prx = %.2f, rx_drx = %.2f\n",
-              static_cast<int>(v.version), v.old0, v.old1, prx, drx);
-  return modem_stats_log_pack(
-      {modem_stats_pk_int("version", v.version, 1), modem_stats_pk_float("rx_prx", prx),
-       modem_stats_pk_float("rx_drx", drx)},
-      111, stat_id, record);
+  return parse_two_chains(kGsmLayouts,
+                          "modem_stats_parse_5096_diag_log_gsm_l1_rx_diversity_metrics",
+                          modem_stats_gsm_rssi, "rx_prx", "rx_drx", 111, stat_id, record);
 }
