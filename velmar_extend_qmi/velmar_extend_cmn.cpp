@@ -11,10 +11,13 @@
 
 namespace {
 
-velmar_cmn_record cmn_request(int32_t t) {
+// A common request of type t with l bytes of v (v may be null when l is 0).
+velmar_cmn_record cmn_request(int32_t t, uint32_t l, const uint8_t *v) {
   velmar_cmn_record req{};
   req.kind = VELMAR_COMMON_KIND_CMN;
   req.t = static_cast<uint32_t>(t);
+  velmar_cmn_copy_value(req, v, l);
+  req.l = l;
   return req;
 }
 
@@ -48,9 +51,7 @@ void velmar_send_common_qmi_msg(int32_t t, uint32_t l, const uint8_t *v, velmar_
     } else if (l != 0 && v == nullptr) {
       VELMAR_LOG_LN("v is null");
     } else {
-      velmar_cmn_record req = cmn_request(t);
-      velmar_cmn_copy_value(req, v, l);
-      req.l = l;
+      const velmar_cmn_record req = cmn_request(t, l, v);
       // Callers judge the answer by rsp->result and rsp->l, not by this code.
       (void)cmn_exchange(req, rsp);
     }
@@ -60,11 +61,9 @@ void velmar_send_common_qmi_msg(int32_t t, uint32_t l, const uint8_t *v, velmar_
 
 int32_t velmar_cmn_cmd_send(int32_t t, uint32_t l, const uint8_t *v) {
   printf("velmar_cmn_cmd_send, t: %d, l: %d\n", t, l);
-  velmar_cmn_record req = cmn_request(t);
   // Unlike velmar_send_common_qmi_msg, a bad value still sends the command.
   if (l >= VELMAR_CMN_LEN_LIMIT || v == nullptr) l = 0;
-  velmar_cmn_copy_value(req, v, l);
-  req.l = l;
+  const velmar_cmn_record req = cmn_request(t, l, v);
 
   velmar_cmn_record rsp{};
   const int32_t result = cmn_exchange(req, &rsp);
