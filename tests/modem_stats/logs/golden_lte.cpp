@@ -17,8 +17,11 @@ constexpr uint32_t kNone = kGoldenNoRecord;
 
 // A packet holding nothing but an unaccepted version byte.
 modem_stats_golden refusal(uint16_t code, int version, const char *name) {
-  return golden_refusal(code, "v" + std::to_string(version) + " refused", P(1).le(0, version, 1),
-                        version, name);
+  // Appended, not chained with +: GCC 12 at -O3 misreads the chain as overlapping.
+  std::string what = "v";
+  what += std::to_string(version);
+  what += " refused";
+  return golden_refusal(code, what, P(1).le(0, version, 1), version, name);
 }
 
 // Session packets: P+0 version | P+1 L1 | L1 bytes | direction | L2 | L2 bytes
