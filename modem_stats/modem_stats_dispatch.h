@@ -8,18 +8,18 @@
 #include "modem_stats/modem_stats_parsers.h"
 
 struct modem_stats_log_row {
-  uint16_t code;             // log code
-  const char *name;          // the parser's function name
+  uint16_t code;     // log code
+  const char *name;  // the parser's function name
   modem_stats_parser parse;
-  uint32_t stat_id;          // record type it makes (0: chosen per record by the parser)
+  uint32_t stat_id;  // record type it makes (0: chosen per record by the parser)
 };
 
 struct modem_stats_event_row {
-  uint16_t id;               // event id
+  uint16_t id;  // event id
   const char *name;
   modem_stats_parser parse;
   uint32_t stat_id;
-  int32_t record_len;        // bytes of the record it makes
+  int32_t record_len;  // bytes of the record it makes
 };
 
 // The two tables, sorted by code / id.

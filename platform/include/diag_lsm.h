@@ -19,7 +19,8 @@ typedef uint8_t boolean;
 boolean Diag_LSM_Init(uint8_t *pIEnv);
 boolean Diag_LSM_DeInit(void);
 
-void diag_register_callback(int (*client_cb_func_ptr)(unsigned char *ptr, int len, void *context_data),
+void diag_register_callback(int (*client_cb_func_ptr)(unsigned char *ptr, int len,
+                                                      void *context_data),
                             void *context_data);
 void diag_register_remote_callback(int (*client_rmt_cb_func_ptr)(unsigned char *ptr, int len,
                                                                  void *context_data),

@@ -34,9 +34,8 @@ typedef struct {
 #define QMI_CLIENT_INVALID_CLNT (-18)
 #define QMI_CLIENT_FW_NOT_UP (-19)
 
-typedef void (*qmi_client_ind_cb)(qmi_client_type user_handle, unsigned int msg_id,
-                                  void *ind_buf, unsigned int ind_buf_len,
-                                  void *ind_cb_data);
+typedef void (*qmi_client_ind_cb)(qmi_client_type user_handle, unsigned int msg_id, void *ind_buf,
+                                  unsigned int ind_buf_len, void *ind_cb_data);
 
 qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object_type service_obj,
                                                qmi_client_os_params *os_params,
@@ -56,8 +55,7 @@ qmi_client_error_type qmi_client_init(qmi_service_info *service_info,
 qmi_client_error_type qmi_client_init_instance(qmi_idl_service_object_type service_obj,
                                                qmi_service_instance instance_id,
                                                qmi_client_ind_cb ind_cb, void *ind_cb_data,
-                                               qmi_client_os_params *os_params,
-                                               uint32_t timeout,
+                                               qmi_client_os_params *os_params, uint32_t timeout,
                                                qmi_client_type *user_handle);
 
 qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type user_handle, unsigned int msg_id,
