@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "velmar_extend_qmi/velmar_status.h"  // VELMAR_ERR_ARGC, with the other codes
+#include "common/velmar_status.h"  // VELMAR_ERR_ARGC, with the other codes
 
 // Categories (argv[1]).
 inline constexpr int VELMAR_CAT_NV = 1;

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "front/velmar_cmd_ids.h"
-#include "front/velmar_console.h"
+#include "common/velmar_console.h"
 #include "front/velmar_handlers.h"
 #include "front/velmar_help.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "front/velmar_bytes.h"
+#include "common/velmar_bytes.h"
 
 int g_pk_data_id = 0;
 int g_pk_data_len = 0;

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <vector>
 
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 #include "sim_text.h"
 
 namespace rpk_sim {

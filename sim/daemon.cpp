@@ -16,9 +16,9 @@
 #include <fstream>
 
 #include "control_link.h"
-#include "modem_sim_link.h"
-#include "qmi_host_transport.h"
-#include "rpk_host.h"
+#include "platform/host/link/modem_sim_link.h"
+#include "platform/host/link/qmi_host_transport.h"
+#include "platform/host/link/rpk_host.h"
 #include "sim_text.h"
 
 namespace rpk_sim {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "modem_errors.h"
-#include "qmi_idl_codec.h"
+#include "platform/host/qcci/qmi_idl_codec.h"
 #include "sim_text.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 

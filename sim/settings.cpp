@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "modem_services.h"
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace rpk_sim {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "factory_image.h"
 #include "modem_errors.h"
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 #include "sim_text.h"
 
 namespace fs = std::filesystem;

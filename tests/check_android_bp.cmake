@@ -2,7 +2,7 @@
 # names a file that does not exist.
 file(READ "${ROOT}/Android.bp" bp)
 file(GLOB_RECURSE sources RELATIVE "${ROOT}"
-  "${ROOT}/front/*.cpp" "${ROOT}/velmar_extend_qmi/*.cpp" "${ROOT}/modem_stats/*.cpp"
+  "${ROOT}/common/*.cpp" "${ROOT}/front/*.cpp" "${ROOT}/velmar_extend_qmi/*.cpp" "${ROOT}/modem_stats/*.cpp"
   "${ROOT}/platform/device/*.cpp")
 set(bad "")
 foreach(f IN LISTS sources)

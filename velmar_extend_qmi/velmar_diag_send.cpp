@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "front/velmar_log.h"
+#include "common/velmar_log.h"
 
 namespace {
 

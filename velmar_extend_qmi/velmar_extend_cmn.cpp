@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "front/velmar_console.h"
-#include "front/velmar_log.h"
+#include "common/velmar_console.h"
+#include "common/velmar_log.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_client.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 

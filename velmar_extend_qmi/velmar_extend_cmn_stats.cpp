@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <span>
 
-#include "front/velmar_bytes.h"
+#include "common/velmar_bytes.h"
 #include "front/velmar_help.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"

@@ -5,11 +5,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "front/velmar_log.h"
+#include "common/velmar_log.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_client.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
-#include "velmar_extend_qmi/velmar_status.h"
+#include "common/velmar_status.h"
 
 namespace {
 

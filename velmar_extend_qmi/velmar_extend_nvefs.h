@@ -1,6 +1,6 @@
 // NV items and EFS files of the modem, through Extend-QMI request id 2.
 // Every function logs its steps (function entry/exit and each check) and
-// returns 0 or a code of velmar_extend_qmi/velmar_status.h: the client's codes
+// returns 0 or a code of common/velmar_status.h: the client's codes
 // mapped to -101..-103, this layer's -104..-109, or the modem's own non-zero
 // result unchanged. Nothing is retried.
 #pragma once

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "front/velmar_bytes.h"
+#include "common/velmar_bytes.h"
 
 namespace {
 

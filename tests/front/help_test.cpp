@@ -5,7 +5,7 @@
 #include <string>
 
 #include "front/velmar_help.h"
-#include "front/velmar_log.h"
+#include "common/velmar_log.h"
 #include "support/capture_stdout.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "front/velmar_console.h"
+#include "common/velmar_console.h"
 #include "support/capture_stdout.h"
 
 namespace {

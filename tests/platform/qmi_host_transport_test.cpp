@@ -1,6 +1,6 @@
 // The host transport's join: what a connecting client makes of the service's
 // first move.
-#include "qmi_host_transport.h"
+#include "platform/host/link/qmi_host_transport.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>

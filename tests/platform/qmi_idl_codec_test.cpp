@@ -1,6 +1,6 @@
 // The table-driven QMI codec: the Extend-QMI envelope's exact wire bytes, round
 // trips of every element kind, and each decoding and encoding error.
-#include "qmi_idl_codec.h"
+#include "platform/host/qcci/qmi_idl_codec.h"
 
 #include <gtest/gtest.h>
 #include <sar_service_v01.h>

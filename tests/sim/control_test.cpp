@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "modem_sim_link.h"
+#include "platform/host/link/modem_sim_link.h"
 #include "sim_fixture.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 

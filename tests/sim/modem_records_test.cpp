@@ -8,7 +8,7 @@
 
 #include "modem_errors.h"
 #include "modem_services.h"
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 #include "sim_fixture.h"
 
 namespace rpk_sim {

@@ -12,8 +12,8 @@
 #include <thread>
 
 #include "modem_errors.h"
-#include "modem_sim_link.h"
-#include "rpk_host.h"
+#include "platform/host/link/modem_sim_link.h"
+#include "platform/host/link/rpk_host.h"
 #include "sim_fixture.h"
 #include "store.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"

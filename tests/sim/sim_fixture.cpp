@@ -7,7 +7,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace rpk_sim_test {
 

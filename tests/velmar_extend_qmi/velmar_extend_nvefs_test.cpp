@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "support/capture_stdout.h"
-#include "velmar_extend_qmi/velmar_status.h"
+#include "common/velmar_status.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <mutex>
 
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
-#include "velmar_extend_qmi/velmar_status.h"
+#include "common/velmar_status.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 // serialised by one process-wide mutex held from the handle check to the
 // copy-out of the response.
 //
-// Return codes (velmar_extend_qmi/velmar_status.h): 0, VELMAR_ERR_QMI_PARAM
+// Return codes (common/velmar_status.h): 0, VELMAR_ERR_QMI_PARAM
 // (-1), VELMAR_ERR_QMI_NO_CLIENT (-2), VELMAR_ERR_QMI_SEND (-3).
 #pragma once
 

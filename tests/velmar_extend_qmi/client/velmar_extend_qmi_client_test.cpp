@@ -9,7 +9,7 @@
 #include <string>
 
 #include "support/capture_stdout.h"
-#include "velmar_extend_qmi/velmar_status.h"
+#include "common/velmar_status.h"
 
 namespace {
 

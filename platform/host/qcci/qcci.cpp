@@ -21,9 +21,9 @@
 #include <thread>
 #include <vector>
 
-#include "modem_sim_link.h"
-#include "qmi_host_transport.h"
-#include "qmi_idl_codec.h"
+#include "platform/host/link/modem_sim_link.h"
+#include "platform/host/link/qmi_host_transport.h"
+#include "platform/host/qcci/qmi_idl_codec.h"
 
 struct qmi_client_struct {
   enum class Kind { kNotifier, kClient };

@@ -13,7 +13,7 @@
 #include <ctime>
 #include <string>
 
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace {
 

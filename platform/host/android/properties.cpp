@@ -10,7 +10,7 @@
 #include <map>
 #include <string>
 
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "platform/rpk_platform.h"
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 
 #ifndef RPK_HOST_AT_DEVICE
 #define RPK_HOST_AT_DEVICE ""

@@ -1,4 +1,4 @@
-#include "front/velmar_console.h"
+#include "common/velmar_console.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "qmi_idl_codec.h"
+#include "platform/host/qcci/qmi_idl_codec.h"
 
 #include <cstring>
 

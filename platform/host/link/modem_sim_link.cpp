@@ -1,4 +1,4 @@
-#include "modem_sim_link.h"
+#include "platform/host/link/modem_sim_link.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -12,7 +12,7 @@
 #include <cstring>
 #include <mutex>
 
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 
 #ifndef RPK_SIM_BINARY
 #define RPK_SIM_BINARY "rpk-modem-sim"

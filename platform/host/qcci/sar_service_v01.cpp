@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "qmi_idl_codec.h"
+#include "platform/host/qcci/qmi_idl_codec.h"
 
 namespace {
 

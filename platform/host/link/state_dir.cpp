@@ -7,7 +7,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace rpk_host {
 namespace {

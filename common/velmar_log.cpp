@@ -1,4 +1,4 @@
-#include "front/velmar_log.h"
+#include "common/velmar_log.h"
 
 #include <android/log.h>
 

@@ -1,4 +1,4 @@
-#include "qmi_host_transport.h"
+#include "platform/host/link/qmi_host_transport.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "rpk_host.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace rpk_qmi {
 
