@@ -195,13 +195,15 @@ bool Daemon::apply_scenario(const json &s, std::string *error) {
 
 json Daemon::status() {
   json services = json::array();
-  for (const auto &s : services_) {
-    size_t clients = 0;
-    for (const auto &[id, c] : conns_) clients += c.service == s.id;
-    services.push_back({{"service", service_name(s.id)},
-                        {"id", hex_id(s.id)},
-                        {"up", s.up},
-                        {"clients", clients}});
+  for (const auto &l : endpoints_) {
+    const uint32_t id = l.endpoint->service_id();
+    if (id == 0) continue;
+    json entry = {{"service", l.endpoint->name()},
+                  {"id", hex_id(id)},
+                  {"up", l.up},
+                  {"clients", connections_of(id).size()}};
+    if (json extra = l.endpoint->status(); extra.is_object()) entry.update(extra);
+    services.push_back(entry);
   }
   const Settings &st = modem_.settings();
   json counters = modem_.counters();
@@ -232,6 +234,7 @@ json Daemon::control(const json &command) {
     refused_clients_ = 0;
     faults_.clear();
     modem_.efs_chunk = kEfsChunkMax;
+    for (auto &l : endpoints_) l.endpoint->reset();
     bring_all_up(0);
     return ok();
   }
@@ -266,10 +269,7 @@ json Daemon::control(const json &command) {
     rpk_qmi::put_header(packet.data(),
                         {rpk_qmi::kCtlIndication, 0, 0x0003, static_cast<uint16_t>(tlvs.size())});
     std::copy(tlvs.begin(), tlvs.end(), packet.begin() + rpk_qmi::kHeaderLen);
-    std::vector<uint64_t> targets;
-    for (const auto &[id, c] : conns_) {
-      if (c.service == kExtendQmiServiceId) targets.push_back(id);
-    }
+    const std::vector<uint64_t> targets = connections_of(kExtendQmiServiceId);
     for (uint64_t id : targets) send_packet(id, packet);
     journal_.append({{"indication", number},
                      {"service", hex_id(kExtendQmiServiceId)},
@@ -281,6 +281,9 @@ json Daemon::control(const json &command) {
   if (cmd == "journal_clear") {
     journal_.clear();
     return ok();
+  }
+  for (auto &l : endpoints_) {
+    if (auto answer = l.endpoint->control(command)) return *answer;
   }
   return fail("unknown command: " + cmd);
 }

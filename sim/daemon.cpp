@@ -19,6 +19,7 @@
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "platform/host/link/rpk_host.h"
+#include "qmi_endpoint.h"
 #include "sim_text.h"
 
 namespace rpk_sim {
@@ -26,10 +27,10 @@ namespace {
 
 constexpr auto kDirCheckPeriod = std::chrono::seconds(1);
 
-int listen_at(const std::string &path, std::string *error) {
+int listen_at(const std::string &path, int type, std::string *error) {
   sockaddr_un addr{};
   addr.sun_family = AF_UNIX;
-  int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+  int fd = socket(AF_UNIX, type | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   if (fd < 0) {
     *error = std::string("socket: ") + strerror(errno);
     return -1;
@@ -66,19 +67,44 @@ void write_dump(const std::string &dir, uint64_t number) {
 
 }  // namespace
 
+namespace {
+
+// The control interface: one JSON command a connection, one JSON answer, then
+// the connection is closed.
+class ControlEndpoint : public Endpoint {
+ public:
+  explicit ControlEndpoint(Daemon &daemon) : daemon_(daemon) {}
+  uint32_t service_id() const override { return 0; }
+  std::string name() const override { return "control"; }
+  std::string socket_path() const override { return control_socket_path(); }
+  bool on_accept(uint64_t) override { return true; }
+  void on_packet(uint64_t conn, std::span<const uint8_t> packet) override {
+    nlohmann::json command = nlohmann::json::parse(
+        std::string(reinterpret_cast<const char *>(packet.data()), packet.size()), nullptr, false);
+    nlohmann::json answer = command.is_object()
+                                ? daemon_.control(command)
+                                : nlohmann::json{{"ok", false}, {"error", "not a JSON object"}};
+    const std::string text = dump_json(answer);
+    daemon_.send_packet(conn, std::span(reinterpret_cast<const uint8_t *>(text.data()), text.size()));
+    daemon_.close_conn(conn);
+  }
+
+ private:
+  Daemon &daemon_;
+};
+
+}  // namespace
+
 Daemon::Daemon(std::string state_dir)
     : dir_(std::move(state_dir)), modem_(dir_), journal_(dir_ + "/journal.jsonl") {
-  services_.push_back({kExtendQmiServiceId});
-  services_.push_back({kSarServiceId});
+  endpoints_.push_back({std::make_unique<ControlEndpoint>(*this)});
+  endpoints_.push_back({std::make_unique<QmiServiceEndpoint>(*this, kExtendQmiServiceId)});
+  endpoints_.push_back({std::make_unique<QmiServiceEndpoint>(*this, kSarServiceId)});
 }
 
 Daemon::~Daemon() {
-  for (auto &s : services_) take_down(s);
+  for (auto &l : endpoints_) take_down(l);
   for (auto &[id, c] : conns_) close(c.fd);
-  if (ctl_fd_ >= 0) {
-    close(ctl_fd_);
-    unlink(control_socket_path().c_str());
-  }
   if (signal_fd_ >= 0) close(signal_fd_);
   if (lock_fd_ >= 0) {
     unlink(rpk_host::modem_sim_pid_path().c_str());
@@ -111,76 +137,84 @@ bool Daemon::init(std::string *error) {
   sigaddset(&mask, SIGHUP);
   sigprocmask(SIG_BLOCK, &mask, nullptr);
   signal_fd_ = signalfd(-1, &mask, SFD_CLOEXEC | SFD_NONBLOCK);
-  ctl_fd_ = listen_at(control_socket_path(), error);
-  if (ctl_fd_ < 0) return false;
-  for (auto &s : services_) {
-    if (!bring_up(s, error)) return false;
+  for (auto &l : endpoints_) {
+    if (!bring_up(l, error)) return false;
   }
   return true;
 }
 
-Daemon::Service *Daemon::find_service(uint32_t id) {
-  for (auto &s : services_) {
-    if (s.id == id) return &s;
+Daemon::Listener *Daemon::find_service(uint32_t id) {
+  for (auto &l : endpoints_) {
+    if (id != 0 && l.endpoint->service_id() == id) return &l;
   }
   return nullptr;
 }
 
-bool Daemon::bring_up(Service &s, std::string *error) {
-  if (s.up) return true;
-  s.listen_fd = listen_at(rpk_qmi::service_socket_path(s.id), error);
-  s.up = s.listen_fd >= 0;
-  return s.up;
+bool Daemon::bring_up(Listener &l, std::string *error) {
+  if (l.up) return true;
+  l.fd = listen_at(l.endpoint->socket_path(), l.endpoint->socket_type(), error);
+  l.up = l.fd >= 0;
+  return l.up;
 }
 
-void Daemon::take_down(Service &s) {
-  if (!s.up) return;
+void Daemon::take_down(Listener &l) {
+  if (!l.up) return;
   // The file goes first so no client sees a socket that no longer listens.
-  unlink(rpk_qmi::service_socket_path(s.id).c_str());
-  close(s.listen_fd);
-  s.listen_fd = -1;
-  s.up = false;
+  unlink(l.endpoint->socket_path().c_str());
+  close(l.fd);
+  l.fd = -1;
+  l.up = false;
   std::vector<uint64_t> clients;
   for (const auto &[id, c] : conns_) {
-    if (c.service == s.id) clients.push_back(id);
+    if (c.listener == &l) clients.push_back(id);
   }
   for (uint64_t id : clients) close_conn(id);
 }
 
 void Daemon::take_down_for(uint32_t id, uint32_t ms) {
-  for (auto &s : services_) {
-    if (id != 0 && s.id != id) continue;
-    take_down(s);
-    const uint64_t down = ++s.downs;
+  for (auto &l : endpoints_) {
+    const uint32_t service = l.endpoint->service_id();
+    if (service == 0 || (id != 0 && service != id)) continue;
+    take_down(l);
+    const uint64_t down = ++l.downs;
     if (ms == 0) continue;
-    const uint32_t service = s.id;
-    at(Clock::now() + std::chrono::milliseconds(ms), [this, service, down] {
-      Service *again = find_service(service);
+    after(std::chrono::milliseconds(ms), [this, service, down] {
+      Listener *again = find_service(service);
       if (again != nullptr && again->downs == down) bring_all_up(service);
     });
   }
 }
 
 void Daemon::bring_all_up(uint32_t id) {
-  for (auto &s : services_) {
-    if (id != 0 && s.id != id) continue;
+  for (auto &l : endpoints_) {
+    if (id != 0 && l.endpoint->service_id() != id) continue;
     std::string error;
-    if (!bring_up(s, &error)) fprintf(stderr, "rpk-modem-sim: %s\n", error.c_str());
+    if (!bring_up(l, &error)) fprintf(stderr, "rpk-modem-sim: %s\n", error.c_str());
   }
 }
 
 void Daemon::close_conn(uint64_t id) {
   auto it = conns_.find(id);
   if (it == conns_.end()) return;
+  Listener *l = it->second.listener;
   close(it->second.fd);
   conns_.erase(it);
+  l->endpoint->on_close(id);
 }
 
-void Daemon::at(Clock::time_point when, std::function<void()> fn) {
-  timers_.emplace(when, std::move(fn));
+std::vector<uint64_t> Daemon::connections_of(uint32_t service_id) const {
+  std::vector<uint64_t> out;
+  for (const auto &[id, c] : conns_) {
+    if (c.listener->endpoint->service_id() == service_id) out.push_back(id);
+  }
+  return out;
 }
 
-void Daemon::send_packet(uint64_t conn_id, const std::vector<uint8_t> &packet) {
+void Daemon::after(std::chrono::milliseconds delay, std::function<void()> fn) {
+  timers_.emplace(Clock::now() + delay, std::move(fn));
+}
+
+void Daemon::send_packet(uint64_t conn_id, std::span<const uint8_t> packet) {
   auto it = conns_.find(conn_id);
   if (it == conns_.end()) return;  // the client left, or its service went down
   if (send(it->second.fd, packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT) < 0) {
@@ -188,53 +222,13 @@ void Daemon::send_packet(uint64_t conn_id, const std::vector<uint8_t> &packet) {
   }
 }
 
-void Daemon::on_accept(int fd, uint32_t service) {
-  if (service != 0 && faults_.refuses_client(service)) {
-    // Closed before the welcome: the client's init fails; no request was made,
-    // so the journal has nothing to say.
+void Daemon::on_accept(Listener &l, int fd) {
+  const uint64_t id = next_conn_++;
+  conns_[id] = Conn{fd, &l};
+  if (!l.endpoint->on_accept(id)) {
+    conns_.erase(id);
     close(fd);
     ++refused_clients_;
-    return;
-  }
-  const uint64_t id = next_conn_++;
-  conns_[id] = Conn{fd, service};
-  if (service == 0) return;
-  std::vector<uint8_t> welcome(rpk_qmi::kHeaderLen);
-  rpk_qmi::put_header(welcome.data(), {rpk_qmi::kCtlWelcome, 0, 0, 0});
-  send_packet(id, welcome);
-}
-
-void Daemon::on_request(uint64_t conn_id, const uint8_t *packet, size_t n) {
-  const uint32_t service = conns_[conn_id].service;
-  nlohmann::json entry = {
-      {"service", hex_id(service)}, {"client", conn_id}, {"wire", to_hex(packet, n)}};
-  rpk_qmi::Header h;
-  if (!rpk_qmi::parse_header(packet, n, &h) || h.ctl != rpk_qmi::kCtlRequest) {
-    entry["error"] = "malformed packet";
-    journal_.append(entry);
-    return;
-  }
-  entry["txn"] = h.txn;
-  Outcome out = modem_.handle(service, h.msg_id, packet + rpk_qmi::kHeaderLen, h.len, faults_);
-  entry.update(out.journal);
-  journal_.append(entry);
-  if (!out.reply) {
-    close_conn(conn_id);
-    return;
-  }
-  std::vector<uint8_t> reply(rpk_qmi::kHeaderLen + out.tlvs.size());
-  rpk_qmi::put_header(reply.data(), {rpk_qmi::kCtlResponse, h.txn, h.msg_id,
-                                     static_cast<uint16_t>(out.tlvs.size())});
-  std::copy(out.tlvs.begin(), out.tlvs.end(), reply.begin() + rpk_qmi::kHeaderLen);
-  const AfterReply after = out.after;
-  if (out.delay_ms == 0) {
-    send_packet(conn_id, reply);
-    after_reply(after);
-  } else {
-    at(Clock::now() + std::chrono::milliseconds(out.delay_ms), [this, conn_id, reply, after] {
-      send_packet(conn_id, reply);
-      after_reply(after);
-    });
   }
 }
 
@@ -250,37 +244,29 @@ void Daemon::after_reply(AfterReply what) {
   }
 }
 
-void Daemon::on_control(uint64_t conn_id, const uint8_t *packet, size_t n) {
-  nlohmann::json command =
-      nlohmann::json::parse(std::string(reinterpret_cast<const char *>(packet), n), nullptr, false);
-  nlohmann::json answer = command.is_object()
-                              ? control(command)
-                              : nlohmann::json{{"ok", false}, {"error", "not a JSON object"}};
-  const std::string text = dump_json(answer);
-  send_packet(conn_id, std::vector<uint8_t>(text.begin(), text.end()));
-  close_conn(conn_id);
-}
-
 void Daemon::run() {
   auto next_dir_check = Clock::now() + kDirCheckPeriod;
   std::vector<uint8_t> buf(rpk_qmi::kMaxPacket);
+  // What each polled descriptor is: a listener, the signals, or a connection.
+  struct Polled {
+    Listener *listener = nullptr;
+    uint64_t conn = 0;
+  };
   while (!stopping_) {
     std::vector<pollfd> fds;
-    std::vector<int64_t> what;  // -1 control listener, -2 signals, -(3 + i) service i, else conn
-    fds.push_back({ctl_fd_, POLLIN, 0});
-    what.push_back(-1);
+    std::vector<Polled> what;
     if (signal_fd_ >= 0) {
       fds.push_back({signal_fd_, POLLIN, 0});
-      what.push_back(-2);
+      what.push_back({});
     }
-    for (size_t i = 0; i < services_.size(); ++i) {
-      if (!services_[i].up) continue;
-      fds.push_back({services_[i].listen_fd, POLLIN, 0});
-      what.push_back(-3 - static_cast<int64_t>(i));
+    for (auto &l : endpoints_) {
+      if (!l.up) continue;
+      fds.push_back({l.fd, POLLIN, 0});
+      what.push_back({&l, 0});
     }
     for (const auto &[id, c] : conns_) {
       fds.push_back({c.fd, POLLIN, 0});
-      what.push_back(static_cast<int64_t>(id));
+      what.push_back({nullptr, id});
     }
     auto wake = next_dir_check;
     if (!timers_.empty() && timers_.begin()->first < wake) wake = timers_.begin()->first;
@@ -290,27 +276,27 @@ void Daemon::run() {
 
     for (size_t i = 0; rc > 0 && i < fds.size() && !stopping_; ++i) {
       if (fds[i].revents == 0) continue;
-      const int64_t w = what[i];
-      if (w == -1 || w <= -3) {
-        const uint32_t service = w == -1 ? 0 : services_[static_cast<size_t>(-3 - w)].id;
+      const Polled w = what[i];
+      if (w.listener != nullptr) {
+        // Taken down by an earlier event of this round: its descriptor is closed.
+        if (!w.listener->up || w.listener->fd != fds[i].fd) continue;
         int fd = accept4(fds[i].fd, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-        if (fd >= 0) on_accept(fd, service);
-      } else if (w == -2) {
+        if (fd >= 0) on_accept(*w.listener, fd);
+      } else if (w.conn == 0) {
         signalfd_siginfo si;
         ssize_t ignored = read(signal_fd_, &si, sizeof si);
         (void)ignored;
         stopping_ = true;
       } else {
-        const auto id = static_cast<uint64_t>(w);
-        if (conns_.count(id) == 0) continue;  // closed by an earlier event of this round
-        ssize_t n = recv(fds[i].fd, buf.data(), buf.size(), 0);
+        auto it = conns_.find(w.conn);
+        if (it == conns_.end()) continue;  // closed by an earlier event of this round
+        ssize_t n = recv(it->second.fd, buf.data(), buf.size(), 0);
         if (n < 0 && (errno == EAGAIN || errno == EINTR)) continue;
         if (n <= 0) {
-          close_conn(id);
-        } else if (conns_[id].service == 0) {
-          on_control(id, buf.data(), static_cast<size_t>(n));
+          close_conn(w.conn);
         } else {
-          on_request(id, buf.data(), static_cast<size_t>(n));
+          it->second.listener->endpoint->on_packet(
+              w.conn, std::span<const uint8_t>(buf.data(), static_cast<size_t>(n)));
         }
       }
     }

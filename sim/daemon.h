@@ -1,7 +1,7 @@
-// The daemon: one thread, one poll loop over the service sockets, the clients
-// and the control socket, with timers for late answers and services coming
-// back. Requests of several clients are served as they arrive; a delayed
-// answer never holds up anyone else.
+// The daemon: one thread, one poll loop over its endpoints' sockets and their
+// connections, with timers for late answers and services coming back.
+// Requests of several clients are served as they arrive; a delayed answer
+// never holds up anyone else.
 #pragma once
 
 #include <chrono>
@@ -13,16 +13,17 @@
 #include <string>
 #include <vector>
 
+#include "endpoint.h"
 #include "faults.h"
 #include "journal.h"
 #include "modem_services.h"
 
 namespace rpk_sim {
 
-class Daemon {
+class Daemon : public EndpointHost {
  public:
   explicit Daemon(std::string state_dir);
-  ~Daemon();
+  ~Daemon() override;
   Daemon(const Daemon &) = delete;
   Daemon &operator=(const Daemon &) = delete;
 
@@ -39,47 +40,51 @@ class Daemon {
   // Executes one control command and returns its answer ({"ok": ...}).
   nlohmann::json control(const nlohmann::json &command);
 
+  // EndpointHost
+  void send_packet(uint64_t conn, std::span<const uint8_t> packet) override;
+  void close_conn(uint64_t conn) override;
+  void after(std::chrono::milliseconds delay, std::function<void()> fn) override;
+  void after_reply(AfterReply what) override;
+  std::vector<uint64_t> connections_of(uint32_t service_id) const override;
+  Journal &journal() override { return journal_; }
+  Modem &modem() override { return modem_; }
+  Faults &faults() override { return faults_; }
+
  private:
   using Clock = std::chrono::steady_clock;
 
-  struct Service {
-    uint32_t id = 0;
-    int listen_fd = -1;
+  struct Listener {
+    std::unique_ptr<Endpoint> endpoint;
+    int fd = -1;
     bool up = false;
     uint64_t downs = 0;  // a timed return applies only if no later down came
   };
   struct Conn {
     int fd = -1;
-    uint32_t service = 0;  // 0: a control connection
+    Listener *listener = nullptr;
   };
 
-  Service *find_service(uint32_t id);
-  bool bring_up(Service &s, std::string *error);
-  void take_down(Service &s);
-  // Takes the services (all of them when id is 0) down, and back up after ms
-  // (never when ms is 0).
+  // The modem endpoint of a service id, or null.
+  Listener *find_service(uint32_t id);
+  bool bring_up(Listener &l, std::string *error);
+  void take_down(Listener &l);
+  // Takes the modem endpoints (all of them when id is 0) down, and back up
+  // after ms (never when ms is 0).
   void take_down_for(uint32_t id, uint32_t ms);
   void bring_all_up(uint32_t id);
-  void close_conn(uint64_t id);
-  // A new connection: a control one, or a client a service welcomes or refuses.
-  void on_accept(int fd, uint32_t service);
-  void on_request(uint64_t conn_id, const uint8_t *packet, size_t n);
-  void on_control(uint64_t conn_id, const uint8_t *packet, size_t n);
-  void send_packet(uint64_t conn_id, const std::vector<uint8_t> &packet);
-  void after_reply(AfterReply what);
-  void at(Clock::time_point when, std::function<void()> fn);
+  void on_accept(Listener &l, int fd);
   bool apply_fault(const nlohmann::json &j, std::string *error);
   nlohmann::json status();
 
   std::string dir_;
   int lock_fd_ = -1;
-  int ctl_fd_ = -1;
   int signal_fd_ = -1;
   bool stopping_ = false;
   Modem modem_;
   Faults faults_;
   Journal journal_;
-  std::vector<Service> services_;
+  // The control endpoint first; it never goes down.
+  std::vector<Listener> endpoints_;
   std::map<uint64_t, Conn> conns_;
   uint64_t next_conn_ = 1;
   uint64_t refused_clients_ = 0;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "endpoint.h"
 #include "faults.h"
 #include "settings.h"
 #include "store.h"
@@ -18,9 +19,6 @@ namespace rpk_sim {
 inline constexpr uint32_t kExtendQmiServiceId = 0xFFE4;
 inline constexpr uint32_t kSarServiceId = 0x11;
 inline constexpr uint32_t kEfsChunkMax = 424;
-
-// What happens to the modem after an answer has gone out.
-enum class AfterReply { kNothing, kRestart, kFullDump };
 
 struct Outcome {
   bool reply = true;          // false: the connection is dropped instead
