@@ -13,7 +13,7 @@ constexpr std::array kCategories{
     velmar_category{VELMAR_CAT_NV, "nv", nullptr},
     velmar_category{VELMAR_CAT_RF, "rf", nullptr},
     velmar_category{VELMAR_CAT_NVEFS, "nvefs", velmar_test_nvefs_do},
-    velmar_category{VELMAR_CAT_CMN, "cmn", nullptr},
+    velmar_category{VELMAR_CAT_CMN, "cmn", velmar_test_cmn_do},
     velmar_category{VELMAR_CAT_QMI_SEND, "qmi send_data", velmar_test_qmi_send_data_do},
     velmar_category{VELMAR_CAT_MODEM_STATS, "modem stats", velmar_test_modem_stats_do},
     velmar_category{VELMAR_CAT_AT, "at command", velmar_test_at_cmd_do},

@@ -96,3 +96,7 @@ void velmar_qcril_qmi_client_common_empty_unsol_ind_cb(qmi_client_type /*handle*
                                                        void * /*cb_data*/) {
   VELMAR_LOG_LN("msg_id %d", static_cast<int>(msg_id));
 }
+
+void velmar_cmn_test_nv_sync() {}
+
+void velmar_cmn_test_get_sar_dsi() {}

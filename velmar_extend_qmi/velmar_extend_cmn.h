@@ -34,3 +34,11 @@ void velmar_qcril_qmi_client_common_empty_unsol_ind_cb(qmi_client_type handle, u
 // is a broken caller contract that must not become a memory overrun: it ends
 // the process with a message on stderr.
 void velmar_cmn_copy_value(velmar_cmn_record &rec, const uint8_t *src, uint32_t n);
+
+// NV sync: prints "Will trigger NV SYNC" and sends common type 35; the answer
+// is not examined.
+void velmar_cmn_test_nv_sync();
+
+// SAR DSI: asks the platform SAR service for its RF state and prints
+// "SAR DSI: %d" (-1 when the service could not be reached).
+void velmar_cmn_test_get_sar_dsi();
