@@ -1,13 +1,19 @@
 #include "front/velmar_qmi_test_cmn.h"
 
+#include <cutils/properties.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "common/velmar_log.h"
+#include "common/velmar_status.h"
 #include "front/velmar_cmd_ids.h"
 #include "front/velmar_handlers.h"
 #include "front/velmar_help.h"
 #include "velmar_extend_qmi/velmar_extend_cmn.h"
+#include "velmar_extend_qmi/velmar_extend_nvefs.h"
 
 // ---- sub-operation 0: the raw diag command ---------------------------------
 
@@ -15,15 +21,173 @@ int32_t velmar_cmn_diag_cmd_send(int /*argc*/, char ** /*argv*/) { return 1; }
 
 // ---- sub-operations 1 to 4: card status and type ---------------------------
 
-int32_t velmar_cmn_card_status_query(int /*argc*/, char ** /*argv*/) { return 0; }
-int32_t velmar_cmn_card_status_get(int /*argc*/, char ** /*argv*/) { return 0; }
-int32_t velmar_cmn_card_status_set(int /*argc*/, char ** /*argv*/) { return 0; }
-int32_t velmar_cmn_card_type_query(int /*argc*/, char ** /*argv*/) { return 0; }
+namespace {
+
+// Common command types of the card commands and the restart request.
+constexpr int32_t kCmnCardStatusQuery = 39;
+constexpr int32_t kCmnCardStatusGet = 55;
+constexpr int32_t kCmnCardStatusSet = 57;
+constexpr int32_t kCmnCardTypeQuery = 56;
+constexpr int32_t kCmnSsr = 31;
+
+// Arguments after the sub-operation: sub, mode, set_val at most.
+constexpr int32_t kCardArgsMax = 3;
+
+// Command values are little-endian u32 words.
+void put_u32_le(uint8_t *p, uint32_t v) {
+  for (int i = 0; i < 4; ++i) p[i] = static_cast<uint8_t>(v >> (8 * i));
+}
+
+}  // namespace
+
+int32_t velmar_cmn_card_status_cmd(int32_t t, int32_t n, int argc, char **argv) {
+  if (n < 0 || n > kCardArgsMax || argc != n + 3) {
+    printf("\nnote: need %d inputs, Pls refer to the following cmd:\n", n + 3);
+    return VELMAR_ERR_ARGC;
+  }
+  printf("param(cnt: %d):\n", n);
+  uint8_t value[4 * kCardArgsMax] = {};
+  for (int32_t i = 0; i < n; ++i) {
+    const uint32_t flag = atoi(argv[3 + i]) != 0 ? 1 : 0;
+    put_u32_le(value + 4 * i, flag);
+    printf(" %d", flag);
+  }
+  putchar('\n');
+  return velmar_cmn_cmd_send(t, static_cast<uint32_t>(4 * n), value);
+}
+
+int32_t velmar_cmn_card_status_query(int argc, char **argv) {
+  puts(__func__);
+  return velmar_cmn_card_status_cmd(kCmnCardStatusQuery, 0, argc, argv);
+}
+
+int32_t velmar_cmn_card_status_get(int argc, char **argv) {
+  puts(__func__);
+  return velmar_cmn_card_status_cmd(kCmnCardStatusGet, 1, argc, argv);
+}
+
+int32_t velmar_cmn_card_status_set(int argc, char **argv) {
+  puts(__func__);
+  return velmar_cmn_card_status_cmd(kCmnCardStatusSet, 3, argc, argv);
+}
+
+int32_t velmar_cmn_card_type_query(int argc, char **argv) {
+  puts(__func__);
+  return velmar_cmn_card_status_cmd(kCmnCardTypeQuery, 0, argc, argv);
+}
 
 // ---- sub-operations 5 and 6: subsystem restart and full dump ---------------
 
-void velmar_cmn_test_modem_ssr() {}
-void velmar_cmn_test_full_dump() {}
+namespace {
+
+constexpr const char kRestartLevel[] = "persist.vendor.ssr.restart_level";
+constexpr const char kRestartLevelBak[] = "persist.vendor.ssr.restart_level_bak";
+constexpr const char kSsrWait[] = "persist.radio.ssr_wait_s";
+constexpr const char kSsrWaitDefault[] = "3";
+constexpr const char kLevelEnable[] = "ALL_ENABLE";
+constexpr const char kLevelDisable[] = "ALL_DISABLE";
+
+constexpr uint32_t kSsrRestart = 0x1000;
+constexpr uint32_t kSsrFullDump = 0x2000;
+
+constexpr const char kSsrUpdateCountFile[] = "/nv/item_files/modem/velmar/ssr_update_count";
+constexpr uint32_t kSsrUpdateCountSub = 0;
+
+void send_ssr_request(uint32_t what) {
+  uint8_t value[4];
+  put_u32_le(value, what);
+  velmar_cmn_record rsp;
+  velmar_send_common_qmi_msg(kCmnSsr, sizeof value, value, &rsp);
+}
+
+}  // namespace
+
+int velmar_cmn_test_ssr_wait_s() {
+  char text[PROPERTY_VALUE_MAX] = {};
+  property_get(kSsrWait, text, kSsrWaitDefault);
+  const int wait_s = atoi(text);
+  printf("ssr wait_s = %d\n", wait_s);
+  if (wait_s != 0) {
+    printf("modem ssr start to wait %ds to init\n", wait_s);
+    // Flushed so that whoever watches the console sees the wait begin.
+    fflush(stdout);
+    sleep(static_cast<unsigned>(wait_s));
+    printf("modem ssr end to wait %ds to init\n", wait_s);
+  } else {
+    puts("modem ssr will not wait");
+  }
+  return wait_s;
+}
+
+void velmar_cmn_test_modem_ssr() {
+  char level[PROPERTY_VALUE_MAX] = {};
+  property_get(kRestartLevel, level, kLevelDisable);
+  printf("Will trigger SSR of modem, the current state: %s\n", level);
+  // Only the exact spelling counts: the modem's init scripts compare it so.
+  const bool was_enabled = strcmp(level, kLevelEnable) == 0;
+  if (!was_enabled) {
+    puts("need to open ssr");
+    property_set(kRestartLevel, kLevelEnable);
+    if (velmar_cmn_test_ssr_wait_s() < 0) {
+      puts("wait_s < 0, ssr is stoped");
+      return;
+    }
+  }
+  send_ssr_request(kSsrRestart);
+  if (was_enabled) return;
+  // Give the modem time to come back before restarts are switched off again.
+  if (velmar_cmn_test_ssr_wait_s() < 0) {
+    puts("wait_s < 0, ssr is stoped");
+    return;
+  }
+  puts("back to old ssr state");
+  property_set(kRestartLevel, level);
+}
+
+void velmar_cmn_test_full_dump() {
+  char level[PROPERTY_VALUE_MAX] = {};
+  char saved[PROPERTY_VALUE_MAX] = {};
+  property_get(kRestartLevel, level, kLevelEnable);
+  property_get(kRestartLevelBak, saved, "");
+  // Only the first dump saves the level: later ones would save ALL_DISABLE.
+  if (saved[0] == '\0') {
+    puts("need to save ssr state");
+    property_set(kRestartLevelBak, level);
+  }
+  printf("Will trigger Full Dump, the current state: %s, the default state: %s\n", level, saved);
+  if (strcmp(level, kLevelDisable) != 0) {
+    // With restarts on, the modem would restart instead of dumping.
+    puts("need to close ssr");
+    property_set(kRestartLevel, kLevelDisable);
+    velmar_cmn_test_save_ssr_update_flag();
+  }
+  send_ssr_request(kSsrFullDump);
+}
+
+uint32_t velmar_cmn_test_read_ssr_update_flag() {
+  uint8_t buf[4] = {};
+  uint32_t len = sizeof buf;
+  const int32_t ret = velmar_efs_read(kSsrUpdateCountSub, kSsrUpdateCountFile,
+                                      sizeof kSsrUpdateCountFile - 1, buf, &len);
+  uint32_t count = 0;
+  memcpy(&count, buf, sizeof count);  // kept in the machine's byte order
+  VELMAR_LOG_LN("PROP_MODEM_SSR_UPDATE_COUNT read ret: %d, old update_cnt: %d, len: %d", ret, count,
+                len);
+  if (ret != VELMAR_OK) {
+    VELMAR_LOG_LN("velmar_efs_read failed, maybe empty");
+    return 0;
+  }
+  return count;
+}
+
+void velmar_cmn_test_save_ssr_update_flag() {
+  const uint32_t count = velmar_cmn_test_read_ssr_update_flag() + 1;
+  uint8_t buf[sizeof count];
+  memcpy(buf, &count, sizeof count);
+  const int32_t ret = velmar_efs_write(kSsrUpdateCountSub, kSsrUpdateCountFile,
+                                       sizeof kSsrUpdateCountFile - 1, buf, sizeof buf);
+  VELMAR_LOG_LN("PROP_MODEM_SSR_UPDATE_COUNT write ret: %d, new update_cnt: %d", ret, count);
+}
 
 // ---- the category-5 dispatcher ----------------------------------------------
 

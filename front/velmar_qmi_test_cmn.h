@@ -14,6 +14,24 @@ int32_t velmar_cmn_card_status_get(int argc, char **argv);
 int32_t velmar_cmn_card_status_set(int argc, char **argv);
 int32_t velmar_cmn_card_type_query(int argc, char **argv);
 
-// Sub-operations 5 and 6: subsystem restart and full dump.
+// Sends common command t with the n arguments after the sub-operation, each as
+// a u32 that is 1 when the argument reads as non-zero. argc must be n + 3, else
+// the need-inputs note is printed and VELMAR_ERR_ARGC returned with nothing
+// sent. Otherwise returns what velmar_cmn_cmd_send returns (it prints the answer).
+int32_t velmar_cmn_card_status_cmd(int32_t t, int32_t n, int argc, char **argv);
+
+// Sub-operations 5 and 6: subsystem restart and full dump. Both drive the
+// restart-level property first; neither looks at the modem's answer.
 void velmar_cmn_test_modem_ssr();
 void velmar_cmn_test_full_dump();
+
+// Reads "persist.radio.ssr_wait_s" (default 3), sleeps that many seconds and
+// returns the value. A negative value is handed to sleep as unsigned, so it
+// pauses until a signal interrupts it, before the caller sees the sign.
+int velmar_cmn_test_ssr_wait_s();
+
+// The count of full dumps that switched restarts off, kept in the modem's EFS.
+// Reading gives 0 when the file cannot be read; saving writes read + 1 and
+// only logs the outcome.
+uint32_t velmar_cmn_test_read_ssr_update_flag();
+void velmar_cmn_test_save_ssr_update_flag();

@@ -9,6 +9,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -234,14 +235,20 @@ void Daemon::on_accept(Listener &l, int fd) {
 
 void Daemon::after_reply(AfterReply what) {
   if (what == AfterReply::kNothing) return;
-  // A restart or a crash takes every modem service away; a dump is written
-  // on the way down.
-  if (what == AfterReply::kFullDump) {
-    write_dump(dir_, modem_.counters()["full_dumps"].get<uint64_t>());
-    take_down_for(0, modem_.settings().dump_ms);
-  } else {
-    take_down_for(0, modem_.settings().ssr_ms);
+  // A restart or a crash takes every modem service away. Their socket files
+  // go now, before the answer is sent, so no client can come in between the
+  // answer and the restart; the services and every connection go on this
+  // round's timers, once the answer is out. The dump file is written while
+  // they are away. An away time of 0 still drops every connection.
+  for (auto &l : endpoints_) {
+    if (l.up && l.endpoint->service_id() != 0) unlink(l.endpoint->socket_path().c_str());
   }
+  const bool dump = what == AfterReply::kFullDump;
+  const uint32_t away_ms = dump ? modem_.settings().dump_ms : modem_.settings().ssr_ms;
+  after(std::chrono::milliseconds(0), [this, dump, away_ms] {
+    take_down_for(0, std::max<uint32_t>(away_ms, 1));
+    if (dump) write_dump(dir_, modem_.counters()["full_dumps"].get<uint64_t>());
+  });
 }
 
 void Daemon::run() {

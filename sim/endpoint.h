@@ -34,7 +34,8 @@ class EndpointHost {
   virtual void close_conn(uint64_t conn) = 0;
   // Runs fn on the daemon's thread after `delay`.
   virtual void after(std::chrono::milliseconds delay, std::function<void()> fn) = 0;
-  // A restart or full dump: every modem endpoint goes away for a while.
+  // A restart or full dump: every modem endpoint goes away for a while. Called
+  // just before the answer is sent; the answer still reaches its client.
   virtual void after_reply(AfterReply what) = 0;
   // Connections currently open on an endpoint (by its service id).
   virtual std::vector<uint64_t> connections_of(uint32_t service_id) const = 0;

@@ -55,8 +55,8 @@ void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packe
   std::copy(out.tlvs.begin(), out.tlvs.end(), reply.begin() + rpk_qmi::kHeaderLen);
   const AfterReply after = out.after;
   auto answer = [this, conn, reply = std::move(reply), after] {
+    host_.after_reply(after);  // first: it keeps new clients out
     host_.send_packet(conn, reply);
-    host_.after_reply(after);
   };
   if (out.delay_ms == 0) {
     answer();

@@ -1,5 +1,7 @@
 #include "velmar_extend_qmi/velmar_extend_cmn.h"
 
+#include <sar_service_v01.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -97,6 +99,53 @@ void velmar_qcril_qmi_client_common_empty_unsol_ind_cb(qmi_client_type /*handle*
   VELMAR_LOG_LN("msg_id %d", static_cast<int>(msg_id));
 }
 
-void velmar_cmn_test_nv_sync() {}
+namespace {
 
-void velmar_cmn_test_get_sar_dsi() {}
+constexpr int32_t kCmnNvSync = 35;
+
+// The SAR service object versions this tool was built against.
+constexpr int32_t kSarIdlMajor = 1;
+constexpr int32_t kSarIdlMinor = 12;
+constexpr int32_t kSarToolVersion = 6;
+constexpr uint32_t kSarInitTimeoutMs = 4;
+constexpr unsigned kSarSendTimeoutMs = 30000;
+
+// The SAR client is opened once and kept for the rest of the process.
+qmi_client_os_params g_sar_os_params;
+qmi_client_type g_sar_client = nullptr;
+
+}  // namespace
+
+void velmar_cmn_test_nv_sync() {
+  puts("Will trigger NV SYNC");
+  velmar_cmn_record rsp;
+  velmar_send_common_qmi_msg(kCmnNvSync, 0, nullptr, &rsp);
+}
+
+void velmar_cmn_test_get_sar_dsi() {
+  static constexpr char fn[] = "velmar_get_sar_dsi";
+  VELMAR_LOGF_LN(fn, "function entry ------------->");
+  int32_t dsi = -1;
+  qmi_idl_service_object_type service =
+      sar_get_service_object_internal_v01(kSarIdlMajor, kSarIdlMinor, kSarToolVersion);
+  int rc = qmi_client_init_instance(service, QMI_CLIENT_INSTANCE_ANY,
+                                    velmar_qcril_qmi_client_common_empty_unsol_ind_cb, nullptr,
+                                    &g_sar_os_params, kSarInitTimeoutMs, &g_sar_client);
+  if (rc != QMI_NO_ERR) {
+    VELMAR_LOGF_LN(fn, "qmi_client_init_instance failed, qmi_client_error = %d", rc);
+  } else {
+    sar_rf_get_state_resp_msg_v01 rsp{};
+    rc = qmi_client_send_msg_sync(g_sar_client, QMI_SAR_RF_GET_STATE_REQ_MSG_V01, nullptr, 0, &rsp,
+                                  sizeof rsp, kSarSendTimeoutMs);
+    if (rc != QMI_NO_ERR) {
+      VELMAR_LOGF_LN(fn, "qmi_client_send_msg_sync failed, qmi_client_error = %d", rc);
+    } else {
+      // The answer's own result is not looked at: the state word is reported
+      // as the service left it, valid or not.
+      dsi = static_cast<int32_t>(rsp.sar_rf_state);
+      VELMAR_LOGF_LN(fn, "dsi vailid = %d , dsi value = %d", rsp.sar_rf_state_valid, dsi);
+    }
+  }
+  VELMAR_LOGF_LN(fn, "function exit <-------------");
+  printf("SAR DSI: %d\n", dsi);
+}
