@@ -131,15 +131,7 @@ int32_t velmar_rf_tx_test_closed(int argc) {
 
 int32_t velmar_test_rf_do(int argc, char **argv) {
   constexpr int cat = VELMAR_CAT_RF;
-  if (argc < 2) {
-    velmar_note_too_few_parameters();
-    return show_help(cat);
-  }
-  if (!velmar_category_matches(argv, cat)) return show_help(cat);
-  if (argc < 3) {
-    velmar_note_too_few_parameters();
-    return show_help(cat);
-  }
+  if (auto refused = velmar_category_refusal(argc, argv, cat)) return *refused;
   // Unsigned, so a negative sub-operation is out of range too.
   const auto op = static_cast<uint32_t>(atoi(argv[kArgOp]));
   if (op >= static_cast<uint32_t>(VELMAR_RF_OP_END)) {
@@ -167,9 +159,5 @@ int32_t velmar_test_rf_do(int argc, char **argv) {
       result = velmar_rf_tx_test_closed(argc);
       break;
   }
-  if (result != 0) {
-    printf("\nnote: Error happen! error_code(%d)\n", result);
-    show_help(cat);
-  }
-  return result;
+  return velmar_report_result(result, cat);
 }
