@@ -33,17 +33,11 @@ fake_qmi_service::~fake_qmi_service() { g_active = nullptr; }
 
 extern "C" {
 
-qmi_client_error_type __real_qmi_client_notifier_init(qmi_idl_service_object_type,
-                                                      qmi_client_os_params *, qmi_client_type *);
-qmi_client_error_type __real_qmi_client_get_service_list(qmi_idl_service_object_type,
-                                                         qmi_service_info *, unsigned int *,
-                                                         unsigned int *);
-qmi_client_error_type __real_qmi_client_init(qmi_service_info *, qmi_idl_service_object_type,
-                                             qmi_client_ind_cb, void *, qmi_client_os_params *,
-                                             qmi_client_type *);
-qmi_client_error_type __real_qmi_client_send_msg_sync(qmi_client_type, unsigned int, void *,
-                                                      unsigned int, void *, unsigned int,
-                                                      unsigned int);
+// The host framework's own functions, as the linker names them under --wrap.
+decltype(qmi_client_notifier_init) __real_qmi_client_notifier_init;
+decltype(qmi_client_get_service_list) __real_qmi_client_get_service_list;
+decltype(qmi_client_init) __real_qmi_client_init;
+decltype(qmi_client_send_msg_sync) __real_qmi_client_send_msg_sync;
 
 qmi_client_error_type __wrap_qmi_client_notifier_init(qmi_idl_service_object_type service_obj,
                                                       qmi_client_os_params *os_params,
