@@ -23,5 +23,8 @@ inline constexpr int32_t VELMAR_ERR_NVEFS_BUF_NULL = -107;   // no data buffer
 inline constexpr int32_t VELMAR_ERR_NVEFS_LEN = -108;
 inline constexpr int32_t VELMAR_ERR_NVEFS_NV_ID = -109;  // NV item number above 7232
 
+// An NV item longer than g_nv_data_buf: only its first 400 bytes were kept.
+inline constexpr int32_t VELMAR_ERR_NV_TOO_LONG = 0x0FFFF001;
+
 // A command line with the wrong number of arguments (printed as 268431370).
 inline constexpr int32_t VELMAR_ERR_ARGC = 0x0FFFF00A;

@@ -161,3 +161,21 @@ bool velmar_category_matches(char **argv, int category) {
   printf("\nnote: the first parameters should be %d, Pls refer to the following cmd:\n", category);
   return false;
 }
+
+std::optional<int32_t> velmar_category_refusal(int argc, char **argv, int category) {
+  const auto help = static_cast<uint32_t>(category);
+  if (argc >= 2 && !velmar_category_matches(argv, category)) return show_help(help);
+  if (argc < 3) {
+    velmar_note_too_few_parameters();
+    return show_help(help);
+  }
+  return std::nullopt;
+}
+
+int32_t velmar_report_result(int32_t result, int category) {
+  if (result != 0) {
+    printf("\nnote: Error happen! error_code(%d)\n", result);
+    show_help(static_cast<uint32_t>(category));
+  }
+  return result;
+}

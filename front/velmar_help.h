@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 // Prints the banner, the section of category n (every section when n is 0)
 // and the closing line. Returns what the last console write returned.
@@ -12,3 +13,13 @@ void velmar_note_too_few_parameters();
 // True when argv[1] names `category`; otherwise prints the note saying which
 // category the handler expected.
 bool velmar_category_matches(char **argv, int category);
+
+// The checks the dispatchers of categories 3 and 4 make, in this order, before
+// reading their sub-operation: an argument after the program name, argv[1]
+// naming `category`, and a sub-operation given. A refusal prints its note and
+// the category's help and returns what the help returned; nullopt when the
+// checks pass.
+std::optional<int32_t> velmar_category_refusal(int argc, char **argv, int category);
+// A dispatcher's last step: a non-zero result is printed as an error line with
+// the category's help. Returns the result.
+int32_t velmar_report_result(int32_t result, int category);

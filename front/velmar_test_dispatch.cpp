@@ -10,8 +10,8 @@
 namespace {
 
 constexpr std::array kCategories{
-    velmar_category{VELMAR_CAT_NV, "nv", nullptr},
-    velmar_category{VELMAR_CAT_RF, "rf", nullptr},
+    velmar_category{VELMAR_CAT_NV, "nv", velmar_test_nv_do},
+    velmar_category{VELMAR_CAT_RF, "rf", velmar_test_rf_do},
     velmar_category{VELMAR_CAT_NVEFS, "nvefs", velmar_test_nvefs_do},
     velmar_category{VELMAR_CAT_CMN, "cmn", velmar_test_cmn_do},
     velmar_category{VELMAR_CAT_QMI_SEND, "qmi send_data", velmar_test_qmi_send_data_do},

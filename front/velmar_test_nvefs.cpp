@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "front/velmar_cmd_ids.h"
 #include "common/velmar_console.h"
+#include "front/velmar_cmd_ids.h"
 #include "front/velmar_handlers.h"
 #include "front/velmar_help.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"
@@ -132,24 +132,12 @@ int32_t velmar_nvefs_test_efs_delete(int argc, char **argv) {
 
 int32_t velmar_test_nvefs_do(int argc, char **argv) {
   constexpr int cat = VELMAR_CAT_NVEFS;
-  if (argc < 2) {
-    velmar_note_too_few_parameters();
-    return show_help(cat);
-  }
-  if (!velmar_category_matches(argv, cat)) return show_help(cat);
-  if (argc < 3) {
-    velmar_note_too_few_parameters();
-    return show_help(cat);
-  }
+  if (auto refused = velmar_category_refusal(argc, argv, cat)) return *refused;
   const int op = atoi(argv[kArgOp]);
   if (op < VELMAR_NVEFS_NV_READ || op > VELMAR_NVEFS_EFS_DELETE) {
     puts("\nnote: the second parameters is invalid, Pls refer to the following cmd:");
     return show_help(cat);
   }
   const int32_t result = kSubOperations[static_cast<size_t>(op)](argc, argv);
-  if (result != 0) {
-    printf("\nnote: Error happen! error_code(%d)\n", result);
-    show_help(cat);
-  }
-  return result;
+  return velmar_report_result(result, cat);
 }

@@ -4,13 +4,15 @@
   journal.py count N                 exactly N Extend-QMI requests (no journal: 0)
   journal.py req I CHECK...          request I (1-based; -1 the last) passes every CHECK
   journal.py each CHECK...           every request passes every CHECK
+Several of these may be given in one call, separated by "--" (one start of
+the interpreter instead of several).
 
 A CHECK is one of
   request_id=N data_len=N data_valid=N   envelope fields
   fault=NAME delay_ms=N                  the fault applied
   data=HEX          the record starts with HEX and is zero after it
   @OFF=HEX          the record's bytes at offset OFF are HEX
-  u8@OFF=N  u16@OFF=N  u32@OFF=N   little-endian number at offset OFF
+  u8@OFF=N  u16@OFF=N  u32@OFF=N  u64@OFF=N   little-endian number at OFF
 HEX may contain blanks; numbers may be 0x-hexadecimal. Failures say what was
 found, so a failing e2e case reads well.
 """
@@ -52,7 +54,7 @@ def check(entry, cond):
         expect = bytes.fromhex(want.replace(" ", ""))
         got = data[off : off + len(expect)]
         return got == expect, got.hex()
-    width = {"u8": 1, "u16": 2, "u32": 4}[kind]
+    width = {"u8": 1, "u16": 2, "u32": 4, "u64": 8}[kind]
     got = int.from_bytes(data[off : off + width], "little")
     return got == number(want), got
 
@@ -88,5 +90,17 @@ def main(argv):
     return failed
 
 
+def main_all(argv):
+    groups, cur = [], []
+    for arg in argv:
+        if arg == "--":
+            groups.append(cur)
+            cur = []
+        else:
+            cur.append(arg)
+    groups.append(cur)
+    return max(main(g) for g in groups)
+
+
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    sys.exit(main_all(sys.argv[1:]))

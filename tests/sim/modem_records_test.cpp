@@ -193,5 +193,29 @@ TEST_F(ModemRecordsTest, QcnBackupAndRestore) {
   EXPECT_EQ(v, "kept");
 }
 
+// Request id 1: a backup or restore answers qcn_ms later than a fault alone
+// would, and a read reports an item's true length beyond its 412-byte area.
+TEST_F(ModemRecordsTest, NvStoreRecordTimingAndLength) {
+  ASSERT_EQ(modem_->store().nv_write(0, 4678, std::string(424, 'A')), kNvDone);
+  const uint32_t qcn_ms = modem_->settings().qcn_ms;
+  const struct {
+    uint32_t op, arg, delay_added;
+  } cases[] = {{1, 4678, 0}, {4, 0, qcn_ms}, {5, 1, qcn_ms}};
+  for (const auto &c : cases) {
+    Record req(512, 0);
+    put(req, 0, c.op, 4);
+    put(req, 4, c.arg, 4);
+    Outcome out;
+    out.delay_ms = 11000;  // as a fault delay leaves it
+    const Record rsp = modem_->nv_store_request(req.data(), out);
+    EXPECT_EQ(get(rsp, 4), kNvDone) << c.op;
+    EXPECT_EQ(out.delay_ms, 11000 + c.delay_added) << c.op;
+    if (c.op != 1) continue;
+    EXPECT_EQ(get(rsp, 16), 424u);
+    EXPECT_EQ(rsp.size(), 432u);  // 412 bytes of the value from offset 20
+    EXPECT_EQ(rsp.back(), 'A');
+  }
+}
+
 }  // namespace
 }  // namespace rpk_sim

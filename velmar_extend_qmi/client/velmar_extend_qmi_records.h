@@ -11,6 +11,42 @@
 static_assert(std::endian::native == std::endian::little,
               "the records are copied to and from the wire as they lie in memory");
 
+// NV store operations (request id 1).
+inline constexpr uint32_t VELMAR_NV_STORE_OP_READ = 1;
+inline constexpr uint32_t VELMAR_NV_STORE_OP_WRITE = 2;
+inline constexpr uint32_t VELMAR_NV_STORE_OP_DELETE = 3;
+inline constexpr uint32_t VELMAR_NV_STORE_OP_QCN_BACKUP = 4;
+inline constexpr uint32_t VELMAR_NV_STORE_OP_QCN_RESTORE = 5;
+
+inline constexpr size_t VELMAR_NV_STORE_DATA_MAX = 412;
+
+// NV store request (request id 1); always sent whole, 428 bytes.
+struct velmar_nv_store_req {
+  uint32_t op;                             // VELMAR_NV_STORE_OP_*
+  uint32_t arg;                            // NV item (read, write, delete); privacy flag
+                                           // (backup); goldencopy flag (restore)
+  uint32_t reserved;                       // 0
+  uint32_t data_len;                       // write: bytes of data; 0 otherwise
+  uint8_t data[VELMAR_NV_STORE_DATA_MAX];  // write: the item value
+};
+static_assert(sizeof(velmar_nv_store_req) == 428);
+static_assert(offsetof(velmar_nv_store_req, arg) == 4);
+static_assert(offsetof(velmar_nv_store_req, data_len) == 12);
+static_assert(offsetof(velmar_nv_store_req, data) == 16);
+
+// NV store response; the caller offers room for all 432 bytes.
+struct velmar_nv_store_rsp {
+  uint32_t reserved0;                      // not read
+  uint32_t result;                         // 0 success, else the modem's NV status
+  uint8_t reserved1[8];                    // not read
+  int32_t data_len;                        // read: the item's length (may exceed the area)
+  uint8_t data[VELMAR_NV_STORE_DATA_MAX];  // read: the item value
+};
+static_assert(sizeof(velmar_nv_store_rsp) == 432);
+static_assert(offsetof(velmar_nv_store_rsp, result) == 4);
+static_assert(offsetof(velmar_nv_store_rsp, data_len) == 16);
+static_assert(offsetof(velmar_nv_store_rsp, data) == 20);
+
 // NV/EFS operations (request id 2).
 inline constexpr uint8_t VELMAR_NVEFS_OP_NV_READ = 1;
 inline constexpr uint8_t VELMAR_NVEFS_OP_NV_WRITE = 2;
@@ -67,6 +103,34 @@ inline constexpr uint32_t VELMAR_COMMON_KIND_STATS_DEBUG = 20;
 // Room offered for the response of any kind (its last 4 bytes are never
 // filled).
 inline constexpr uint32_t VELMAR_CMN_RSP_ROOM = 508;
+
+// RF tests (request id 4, kinds 0 and 1); sent as 512 bytes, zero-filled. The
+// modem keeps each setting in an EFS file; the response is not read.
+inline constexpr size_t VELMAR_RF_GPIO_VALUES_MAX = 50;
+
+struct velmar_rf_gpio_test_req {
+  uint32_t kind;                               // VELMAR_COMMON_KIND_GPIO
+  uint32_t reserved;                           // 0
+  uint32_t count;                              // values given, even beyond those stored
+  uint32_t values[VELMAR_RF_GPIO_VALUES_MAX];  // GPIO values, as given
+  uint8_t unused[512 - 12 - 4 * VELMAR_RF_GPIO_VALUES_MAX];  // 0
+};
+static_assert(sizeof(velmar_rf_gpio_test_req) == 512);
+static_assert(offsetof(velmar_rf_gpio_test_req, count) == 8);
+static_assert(offsetof(velmar_rf_gpio_test_req, values) == 12);
+
+struct velmar_rf_tx_test_req {
+  uint32_t kind;             // VELMAR_COMMON_KIND_TX_ANT
+  uint32_t reserved;         // 0
+  uint32_t v_ant;            // 0 lower antenna, 1 upper antenna
+  uint32_t v_sys;            // 0 gsm, 1 wcdma, 2 cdma, 3 tds, 4 lte
+  uint64_t band_mask;        // bits 0..43 bands of v_sys; 44..63 extra LTE bands
+  uint8_t unused[512 - 24];  // 0
+};
+static_assert(sizeof(velmar_rf_tx_test_req) == 512);
+static_assert(offsetof(velmar_rf_tx_test_req, v_ant) == 8);
+static_assert(offsetof(velmar_rf_tx_test_req, v_sys) == 12);
+static_assert(offsetof(velmar_rf_tx_test_req, band_mask) == 16);
 
 inline constexpr size_t VELMAR_CMN_VALUE_MAX = 496;
 // The length bound of a common value. Deliberately looser than the value area:

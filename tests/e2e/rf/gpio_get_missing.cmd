@@ -1,0 +1,2 @@
+# No GPIO test set: the modem's "no such file" (2) is the error code.
+args: 3 1
