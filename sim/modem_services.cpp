@@ -27,6 +27,11 @@ nlohmann::json envelope_json(const ExtendEnvelope &m, bool is_response) {
 FaultEffect apply_faults(Faults &faults, uint32_t service, int64_t request_id, Outcome &out) {
   const FaultEffect fx = faults.on_request(service, request_id);
   out.delay_ms = fx.delay_ms;
+  out.corrupt = fx.corrupt;
+  if (fx.corrupt.any()) {
+    out.journal["fault"] = "corrupt";  // a fault that changes the answer says so instead
+    out.journal["corrupt"] = fx.corrupt.to_json();
+  }
   if (fx.drop) {
     out.reply = false;
     out.journal["fault"] = "drop";
@@ -115,6 +120,9 @@ Outcome Modem::extend_qmi(uint16_t msg_id, const uint8_t *tlvs, size_t len, Faul
       record = common_request(req.data.data(), out);
     } else {
       resp.word = kQmiErrNotSupported;
+    }
+    if (fx.corrupt.claim && req.word == kRequestIdNvEfs && record.size() >= 12) {
+      put_le(record.data() + 8, *fx.corrupt.claim, 4);  // data_len_send
     }
     if (!record.empty()) {
       const size_t n = std::min(record.size(), kExtendDataMax);
