@@ -29,7 +29,7 @@ FaultEffect apply_faults(Faults &faults, uint32_t service, int64_t request_id, O
   out.delay_ms = fx.delay_ms;
   out.corrupt = fx.corrupt;
   if (fx.corrupt.any()) {
-    out.journal["fault"] = "corrupt";  // a fault that changes the answer says so instead
+    out.journal["fault"] = "corrupt";  // drop, error and no_data_valid name themselves over it
     out.journal["corrupt"] = fx.corrupt.to_json();
   }
   if (fx.drop) {
