@@ -4,10 +4,9 @@
 #include <cstdlib>
 
 #include "front/velmar_cmd_ids.h"
+#include "front/velmar_test_dispatch.h"
 
-namespace {
-
-void help_nv() {
+void velmar_help_nv() {
   constexpr int c = VELMAR_CAT_NV;
   printf("%d: nv option cmd\n", c);
   printf("   rpk %d %d       /* nv test */\n", c, VELMAR_NV_TEST);
@@ -20,7 +19,7 @@ void help_nv() {
   printf("   rpk %d %d nvid  /* nv delete */\n", c, VELMAR_NV_DELETE);
 }
 
-void help_rf() {
+void velmar_help_rf() {
   constexpr int c = VELMAR_CAT_RF;
   printf("%d: rf option cmd\n", c);
   printf("   rpk %d %d ...   /* gpio value setting(pls input enough gpio value by notice)*/\n", c,
@@ -49,7 +48,7 @@ void help_rf() {
   printf("   rpk %d %d       /* Close tx test(need to reboot) */\n", c, VELMAR_RF_TX_CLOSE);
 }
 
-void help_nvefs() {
+void velmar_help_nvefs() {
   constexpr int c = VELMAR_CAT_NVEFS;
   printf("%d: nvefs option cmd: \n", c);
   printf("   rpk %d %d sub nv_id             /* nv read */\n", c, VELMAR_NVEFS_NV_READ);
@@ -60,7 +59,7 @@ void help_nvefs() {
   printf("   rpk %d %d sub efs_path          /* efs delete */\n", c, VELMAR_NVEFS_EFS_DELETE);
 }
 
-void help_cmn() {
+void velmar_help_cmn() {
   constexpr int c = VELMAR_CAT_CMN;
   printf("%d: cmn option cmd: \n", c);
   printf("   rpk %d %d mode type time_out cmd_cnt     /* diag cmd */\n", c, VELMAR_CMN_DIAG_CMD);
@@ -91,14 +90,14 @@ void help_cmn() {
   printf("   rpk %d %d                       /* get sar dsi */\n", c, VELMAR_CMN_SAR_DSI);
 }
 
-void help_qmi_send() {
+void velmar_help_qmi_send() {
   constexpr int c = VELMAR_CAT_QMI_SEND;
   printf("%d: velmar qmi send_data\n", c);
   printf("   rpk %d qmi_id qmi_data         /* qmi_id: Any binary data you will send */\n", c);
   printf("                                    qmi_data: Any binary data you will send \n");
 }
 
-void help_modem_stats() {
+void velmar_help_modem_stats() {
   constexpr int c = VELMAR_CAT_MODEM_STATS;
   printf("%d: velmar modem stats test\n", c);
   printf("   rpk %d type(%d/%d) id            /* type: %d - log; %d - event; */\n", c,
@@ -112,7 +111,7 @@ void help_modem_stats() {
       "uim \n");
 }
 
-void help_at() {
+void velmar_help_at() {
   constexpr int c = VELMAR_CAT_AT;
   printf("%d: velmar at command test\n", c);
   printf("   rpk %d atcmd_cxt               /* atcmd_cxt: at command context */\n", c);
@@ -120,7 +119,7 @@ void help_at() {
          VELMAR_AT_CMD_MAX_LEN);
 }
 
-void help_qmi_modem_stats() {
+void velmar_help_qmi_modem_stats() {
   constexpr int c = VELMAR_CAT_QMI_MODEM_STATS;
   printf("%d: velmar modem stats qmi test\n", c);
   for (const auto &row : VELMAR_MODEM_STATS_OPTS) {
@@ -130,23 +129,13 @@ void help_qmi_modem_stats() {
   }
 }
 
-}  // namespace
-
 int show_help(uint32_t n) {
   puts(
       "\n=========== blew: radio_probe_kit(rpk) cmd help "
       "=======================================================");
-  // Each test selects its section for n == 0 or n == its category.
-  if (n < 2) help_nv();
-  if (n == VELMAR_CAT_RF || n == 0) help_rf();
-  if ((n & VELMAR_CAT_NVEFS) >= n) help_nvefs();
-  if (n < 8) {
-    if (n == 0 || n == VELMAR_CAT_CMN) help_cmn();
-    if (n == 0 || n == VELMAR_CAT_QMI_SEND) help_qmi_send();
-    if (n == 0 || n == VELMAR_CAT_MODEM_STATS) help_modem_stats();
+  for (const auto &row : velmar_categories()) {
+    if (n == 0 || n == static_cast<uint32_t>(row.category)) row.help();
   }
-  if ((n & VELMAR_CAT_AT) >= n) help_at();
-  if (n == VELMAR_CAT_QMI_MODEM_STATS || n == 0) help_qmi_modem_stats();
   return puts(
       "=========== above: radio_probe_kit(rpk) cmd help "
       "=======================================================\n");

@@ -9,15 +9,19 @@
 
 namespace {
 
+// Sorted by category (a test checks it and that the help is made of these rows).
 constexpr std::array kCategories{
-    velmar_category{VELMAR_CAT_NV, "nv", velmar_test_nv_do},
-    velmar_category{VELMAR_CAT_RF, "rf", velmar_test_rf_do},
-    velmar_category{VELMAR_CAT_NVEFS, "nvefs", velmar_test_nvefs_do},
-    velmar_category{VELMAR_CAT_CMN, "cmn", velmar_test_cmn_do},
-    velmar_category{VELMAR_CAT_QMI_SEND, "qmi send_data", velmar_test_qmi_send_data_do},
-    velmar_category{VELMAR_CAT_MODEM_STATS, "modem stats", velmar_test_modem_stats_do},
-    velmar_category{VELMAR_CAT_AT, "at command", velmar_test_at_cmd_do},
-    velmar_category{VELMAR_CAT_QMI_MODEM_STATS, "modem stats qmi", nullptr},
+    velmar_category{VELMAR_CAT_NV, "nv", velmar_test_nv_do, velmar_help_nv},
+    velmar_category{VELMAR_CAT_RF, "rf", velmar_test_rf_do, velmar_help_rf},
+    velmar_category{VELMAR_CAT_NVEFS, "nvefs", velmar_test_nvefs_do, velmar_help_nvefs},
+    velmar_category{VELMAR_CAT_CMN, "cmn", velmar_test_cmn_do, velmar_help_cmn},
+    velmar_category{VELMAR_CAT_QMI_SEND, "qmi send_data", velmar_test_qmi_send_data_do,
+                    velmar_help_qmi_send},
+    velmar_category{VELMAR_CAT_MODEM_STATS, "modem stats", velmar_test_modem_stats_do,
+                    velmar_help_modem_stats},
+    velmar_category{VELMAR_CAT_AT, "at command", velmar_test_at_cmd_do, velmar_help_at},
+    velmar_category{VELMAR_CAT_QMI_MODEM_STATS, "modem stats qmi", nullptr,
+                    velmar_help_qmi_modem_stats},
 };
 
 }  // namespace

@@ -1,4 +1,5 @@
-// The category table: argv[1] (by atoi) selects one row.
+// The category table: argv[1] (by atoi) selects one row; the help printer
+// assembles the whole help from the rows' sections, in the table's order.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +8,10 @@
 using velmar_handler = int32_t (*)(int argc, char **argv);
 
 struct velmar_category {
-  int category;
+  int category;            // argv[1]; the table is sorted by it
   const char *name;        // for tests and diagnostics
   velmar_handler handler;  // null while the category is not built: full help
+  void (*help)();          // prints the category's help section
 };
 
 std::span<const velmar_category> velmar_categories();

@@ -6,79 +6,71 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "front/velmar_cmd_ids.h"
-#include "common/velmar_console.h"
-#include "front/velmar_help.h"
-
 namespace {
 
 // The name column is the parser's own function name, as its messages print it.
-#define MODEM_STATS_LOG_ROW(code, suffix, stat_id) \
-  modem_stats_log_row { code, "modem_stats_parse_" #suffix, modem_stats_parse_##suffix, stat_id }
-#define MODEM_STATS_EVENT_ROW(id, suffix, stat_id, len)                        \
-  modem_stats_event_row {                                                      \
-    id, "modem_stats_parse_" #suffix, modem_stats_parse_##suffix, stat_id, len \
-  }
+// The record type (stat_id) a parser makes is chosen where it packs the
+// record, beside the fields it describes; several parsers choose it per packet.
+#define MODEM_STATS_LOG_ROW(code, suffix) \
+  modem_stats_log_row { code, "modem_stats_parse_" #suffix, modem_stats_parse_##suffix }
+#define MODEM_STATS_EVENT_ROW(id, suffix) \
+  modem_stats_event_row { id, "modem_stats_parse_" #suffix, modem_stats_parse_##suffix }
 
 // Sorted by code (a test checks it; lookups are binary searches).
 constexpr std::array kLogTable{
-    MODEM_STATS_LOG_ROW(0x1568, 1568_diag_log_ims_rtp_sn_and_payload, 136),
-    MODEM_STATS_LOG_ROW(0x156E, 156e_diag_log_ims_sip_message, 116),
-    MODEM_STATS_LOG_ROW(0x1830, 1830_diag_log_ims_volte_session_setup, 125),
-    MODEM_STATS_LOG_ROW(0x1831, 1831_diag_log_ims_volte_session_end, 126),
-    MODEM_STATS_LOG_ROW(0x4179, 4179_diag_log_wcdma_pn_search_edition2, 110),
-    MODEM_STATS_LOG_ROW(0x5096, 5096_diag_log_gsm_l1_rx_diversity_metrics, 111),
-    MODEM_STATS_LOG_ROW(0xB062, b062_diag_log_lte_mac_rach_attempt, 132),
-    MODEM_STATS_LOG_ROW(0xB064, b064_diag_log_lte_mac_ul_transport_block, 114),
-    MODEM_STATS_LOG_ROW(0xB0C2, b0c2_diag_log_lte_rrc_serving_cell_info, 129),
-    MODEM_STATS_LOG_ROW(0xB111, b111_diag_log_lte_ll1_rx_agc, 96),
-    MODEM_STATS_LOG_ROW(0xB14E, b14e_diag_log_lte_pusch_csf, 84),
-    MODEM_STATS_LOG_ROW(0xB16D, b16d_diag_log_lte_tx_power, 83),
-    MODEM_STATS_LOG_ROW(0xB16E, b16e_diag_log_lte_pusch_power_control, 98),
-    MODEM_STATS_LOG_ROW(0xB16F, b16f_diag_log_lte_pucch_power_control, 128),
-    MODEM_STATS_LOG_ROW(0xB173, b173_diag_log_lte_pdsch_stat_indication, 93),
-    // 25 serving PCell, 53 serving SCell, 64 other cell: chosen per packet.
-    MODEM_STATS_LOG_ROW(0xB193, b193_diag_log_lte_srv_meas, 0),
-    MODEM_STATS_LOG_ROW(0xB823, b823_diag_log_nr5g_rrc_serving_cell_info, 130),
-    MODEM_STATS_LOG_ROW(0xB825, b825_diag_log_nr5g_rrc_configuration_info, 97),
-    MODEM_STATS_LOG_ROW(0xB872, b872_diag_log_nr5g_l2_ul_tb, 115),
-    MODEM_STATS_LOG_ROW(0xB884, b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl, 90),
-    MODEM_STATS_LOG_ROW(0xB885, b885_diag_log_nr5g_mac_dci_info, 85),
-    MODEM_STATS_LOG_ROW(0xB887, b887_diag_log_nr5g_mac_pdsch_status, 87),
-    MODEM_STATS_LOG_ROW(0xB888, b888_diag_log_nr5g_mac_pdsch_stats, 88),
-    MODEM_STATS_LOG_ROW(0xB88A, b88a_diag_log_nr5g_mac_rach_attempt, 86),
-    MODEM_STATS_LOG_ROW(0xB8A7, b8a7_diag_log_nr5g_mac_csf_report, 89),
-    MODEM_STATS_LOG_ROW(0xB8C9, b8c9_diag_log_nr5g_ll1_fw_rx_control_agc, 94),
-    MODEM_STATS_LOG_ROW(0xB8D2, b8d2_diag_log_nr5g_ll1_fw_mac_tx_iu_power, 99),
-    MODEM_STATS_LOG_ROW(0xB8D8, b8d8_diag_log_nr5g_ll1_log_serving_snr, 137),
-    MODEM_STATS_LOG_ROW(0xB8DD, b8dd_diag_log_nr5g_ll1_fw_serving_ftl, 112),
-    MODEM_STATS_LOG_ROW(0xB975, b975_diag_log_nr5g_mac_ml1_srv_beam, 91),
-    // 139 or 140 by the first layer's serving cell index: chosen per packet.
-    MODEM_STATS_LOG_ROW(0xB97F, b97f_diag_log_nr5g_ml1_meas_database_update_ext, 0),
-    MODEM_STATS_LOG_ROW(0xB981, b981_diag_log_nr5g_ml1_fc_information, 145),
-    MODEM_STATS_LOG_ROW(0xB98F, b98f_diag_log_nr5g_ml1_antenna_switch_diversity, 113),
+    MODEM_STATS_LOG_ROW(0x1568, 1568_diag_log_ims_rtp_sn_and_payload),
+    MODEM_STATS_LOG_ROW(0x156E, 156e_diag_log_ims_sip_message),
+    MODEM_STATS_LOG_ROW(0x1830, 1830_diag_log_ims_volte_session_setup),
+    MODEM_STATS_LOG_ROW(0x1831, 1831_diag_log_ims_volte_session_end),
+    MODEM_STATS_LOG_ROW(0x4179, 4179_diag_log_wcdma_pn_search_edition2),
+    MODEM_STATS_LOG_ROW(0x5096, 5096_diag_log_gsm_l1_rx_diversity_metrics),
+    MODEM_STATS_LOG_ROW(0xB062, b062_diag_log_lte_mac_rach_attempt),
+    MODEM_STATS_LOG_ROW(0xB064, b064_diag_log_lte_mac_ul_transport_block),
+    MODEM_STATS_LOG_ROW(0xB0C2, b0c2_diag_log_lte_rrc_serving_cell_info),
+    MODEM_STATS_LOG_ROW(0xB111, b111_diag_log_lte_ll1_rx_agc),
+    MODEM_STATS_LOG_ROW(0xB14E, b14e_diag_log_lte_pusch_csf),
+    MODEM_STATS_LOG_ROW(0xB16D, b16d_diag_log_lte_tx_power),
+    MODEM_STATS_LOG_ROW(0xB16E, b16e_diag_log_lte_pusch_power_control),
+    MODEM_STATS_LOG_ROW(0xB16F, b16f_diag_log_lte_pucch_power_control),
+    MODEM_STATS_LOG_ROW(0xB173, b173_diag_log_lte_pdsch_stat_indication),
+    MODEM_STATS_LOG_ROW(0xB193, b193_diag_log_lte_srv_meas),
+    MODEM_STATS_LOG_ROW(0xB823, b823_diag_log_nr5g_rrc_serving_cell_info),
+    MODEM_STATS_LOG_ROW(0xB825, b825_diag_log_nr5g_rrc_configuration_info),
+    MODEM_STATS_LOG_ROW(0xB872, b872_diag_log_nr5g_l2_ul_tb),
+    MODEM_STATS_LOG_ROW(0xB884, b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl),
+    MODEM_STATS_LOG_ROW(0xB885, b885_diag_log_nr5g_mac_dci_info),
+    MODEM_STATS_LOG_ROW(0xB887, b887_diag_log_nr5g_mac_pdsch_status),
+    MODEM_STATS_LOG_ROW(0xB888, b888_diag_log_nr5g_mac_pdsch_stats),
+    MODEM_STATS_LOG_ROW(0xB88A, b88a_diag_log_nr5g_mac_rach_attempt),
+    MODEM_STATS_LOG_ROW(0xB8A7, b8a7_diag_log_nr5g_mac_csf_report),
+    MODEM_STATS_LOG_ROW(0xB8C9, b8c9_diag_log_nr5g_ll1_fw_rx_control_agc),
+    MODEM_STATS_LOG_ROW(0xB8D2, b8d2_diag_log_nr5g_ll1_fw_mac_tx_iu_power),
+    MODEM_STATS_LOG_ROW(0xB8D8, b8d8_diag_log_nr5g_ll1_log_serving_snr),
+    MODEM_STATS_LOG_ROW(0xB8DD, b8dd_diag_log_nr5g_ll1_fw_serving_ftl),
+    MODEM_STATS_LOG_ROW(0xB975, b975_diag_log_nr5g_mac_ml1_srv_beam),
+    MODEM_STATS_LOG_ROW(0xB97F, b97f_diag_log_nr5g_ml1_meas_database_update_ext),
+    MODEM_STATS_LOG_ROW(0xB981, b981_diag_log_nr5g_ml1_fc_information),
+    MODEM_STATS_LOG_ROW(0xB98F, b98f_diag_log_nr5g_ml1_antenna_switch_diversity),
 };
 
 // Sorted by id.
 constexpr std::array kEventTable{
-    MODEM_STATS_EVENT_ROW(629, 0629_diag_event_cm_call_event_orig, 117, 3),
-    MODEM_STATS_EVENT_ROW(631, 0631_diag_event_cm_call_event_end, 118, 2),
-    MODEM_STATS_EVENT_ROW(1428, 1428_diag_event_ims_sip_session_start, 119, 4),
-    MODEM_STATS_EVENT_ROW(1429, 1429_diag_event_ims_sip_session_ringing, 120, 4),
-    MODEM_STATS_EVENT_ROW(1430, 1430_diag_event_ims_sip_session_established, 121, 4),
-    MODEM_STATS_EVENT_ROW(1431, 1431_diag_event_ims_sip_session_terminated, 122, 4),
-    MODEM_STATS_EVENT_ROW(1432, 1432_diag_event_ims_sip_session_cancel, 123, 4),
-    MODEM_STATS_EVENT_ROW(1433, 1433_diag_event_ims_sip_session_failure, 124, 4),
-    // The state record (5, one byte); a new connection makes the statistics
-    // record (127, 9 bytes) instead.
-    MODEM_STATS_EVENT_ROW(1606, 1606_diag_event_lte_rrc_state_change, 5, 1),
-    MODEM_STATS_EVENT_ROW(1632, 1632_diag_event_lte_emm_timer_expiry, 95, 2),
-    MODEM_STATS_EVENT_ROW(1995, 1995_diag_event_lte_rrc_radio_link_failure_stat, 131, 6),
-    MODEM_STATS_EVENT_ROW(2568, 2568_diag_event_lte_rrc_new_cell_ind_ext_earfcn, 109, 15),
-    MODEM_STATS_EVENT_ROW(2622, 2622_diag_event_mcs_trm_asdiv, 100, 8),
-    MODEM_STATS_EVENT_ROW(3184, 3184_diag_event_nr5g_rrc_new_cell_ind_v2ssb, 92, 7),
-    MODEM_STATS_EVENT_ROW(3215, 3215_diag_event_nr5g_emm_timer_expiry, 102, 2),
-    MODEM_STATS_EVENT_ROW(3243, 3243_diag_event_event_nr5g_rrc_scg_failure, 138, 2),
+    MODEM_STATS_EVENT_ROW(629, 0629_diag_event_cm_call_event_orig),
+    MODEM_STATS_EVENT_ROW(631, 0631_diag_event_cm_call_event_end),
+    MODEM_STATS_EVENT_ROW(1428, 1428_diag_event_ims_sip_session_start),
+    MODEM_STATS_EVENT_ROW(1429, 1429_diag_event_ims_sip_session_ringing),
+    MODEM_STATS_EVENT_ROW(1430, 1430_diag_event_ims_sip_session_established),
+    MODEM_STATS_EVENT_ROW(1431, 1431_diag_event_ims_sip_session_terminated),
+    MODEM_STATS_EVENT_ROW(1432, 1432_diag_event_ims_sip_session_cancel),
+    MODEM_STATS_EVENT_ROW(1433, 1433_diag_event_ims_sip_session_failure),
+    MODEM_STATS_EVENT_ROW(1606, 1606_diag_event_lte_rrc_state_change),
+    MODEM_STATS_EVENT_ROW(1632, 1632_diag_event_lte_emm_timer_expiry),
+    MODEM_STATS_EVENT_ROW(1995, 1995_diag_event_lte_rrc_radio_link_failure_stat),
+    MODEM_STATS_EVENT_ROW(2568, 2568_diag_event_lte_rrc_new_cell_ind_ext_earfcn),
+    MODEM_STATS_EVENT_ROW(2622, 2622_diag_event_mcs_trm_asdiv),
+    MODEM_STATS_EVENT_ROW(3184, 3184_diag_event_nr5g_rrc_new_cell_ind_v2ssb),
+    MODEM_STATS_EVENT_ROW(3215, 3215_diag_event_nr5g_emm_timer_expiry),
+    MODEM_STATS_EVENT_ROW(3243, 3243_diag_event_event_nr5g_rrc_scg_failure),
 };
 
 #undef MODEM_STATS_LOG_ROW
@@ -127,19 +119,6 @@ bool drop_record(record_dispatcher dispatch, uint16_t id, uint8_t *payload) {
   return made;
 }
 
-// The self-test packet: log version 9; 262153 as the first 32-bit word.
-constexpr std::array<uint8_t, 108> kSelfTestPacket = [] {
-  std::array<uint8_t, 108> p{};
-  p[0] = 0x09;
-  p[2] = 0x04;
-  p[15] = 0x01;
-  p[18] = 0xff;
-  p[21] = 0x08;
-  p[22] = 0x01;
-  p[25] = 0x01;
-  return p;
-}();
-
 }  // namespace
 
 std::span<const modem_stats_log_row> modem_stats_log_table() { return kLogTable; }
@@ -165,25 +144,4 @@ void modem_stats_diag_process_log_ex(uint16_t log_code, uint8_t *payload) {
 
 bool modem_stats_diag_process_event_ex(uint16_t event_id, uint8_t *payload) {
   return drop_record(modem_stats_diag_process_event_rec, event_id, payload);
-}
-
-int velmar_test_modem_stats_log_or_event(int argc, char **argv) {
-  if (argc <= 3) {
-    velmar_note_too_few_parameters();
-    return 0;
-  }
-  const int type = atoi(argv[2]);
-  const auto id = static_cast<uint16_t>(velmar_string_to_int(argv[3]));
-  printf("length = %d, type = %d, id = %d(0x%x)\n", static_cast<int>(kSelfTestPacket.size()), type,
-         id, id);
-  // The parsers may read anywhere in the readable area: the packet sits at the
-  // start of a zeroed area of that size rather than in a 108-byte buffer.
-  std::array<uint8_t, MODEM_STATS_READABLE_LEN> area{};
-  std::copy(kSelfTestPacket.begin(), kSelfTestPacket.end(), area.begin());
-  if (type == VELMAR_STATS_TYPE_LOG) {
-    modem_stats_diag_process_log_ex(id, area.data());
-  } else {
-    modem_stats_diag_process_event_ex(id, area.data());
-  }
-  return 1;
 }

@@ -1,5 +1,4 @@
-// Dispatch of diag log packets and events to their parsers, and the
-// category-7 self-test that feeds them a canned packet.
+// Dispatch of diag log packets and events to their parsers.
 #pragma once
 
 #include <cstdint>
@@ -11,15 +10,12 @@ struct modem_stats_log_row {
   uint16_t code;     // log code
   const char *name;  // the parser's function name
   modem_stats_parser parse;
-  uint32_t stat_id;  // record type it makes (0: chosen per record by the parser)
 };
 
 struct modem_stats_event_row {
   uint16_t id;  // event id
   const char *name;
   modem_stats_parser parse;
-  uint32_t stat_id;
-  int32_t record_len;  // bytes of the record it makes
 };
 
 // The two tables, sorted by code / id.
@@ -38,6 +34,3 @@ bool modem_stats_diag_process_log_rec(uint16_t log_code, uint8_t *payload, uint3
                                       modem_stats_single **record);
 bool modem_stats_diag_process_event_rec(uint16_t event_id, uint8_t *payload, uint32_t *stat_id,
                                         modem_stats_single **record);
-
-// Category 7 types 0 and 1: 1 when it dispatched, 0 when too few arguments.
-int velmar_test_modem_stats_log_or_event(int argc, char **argv);

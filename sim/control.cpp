@@ -17,6 +17,7 @@
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "platform/host/link/rpk_host.h"
+#include "qmi_wire.h"
 #include "sim_text.h"
 
 namespace rpk_sim {
@@ -266,8 +267,8 @@ json Daemon::control(const json &command) {
     }
     const std::vector<uint8_t> tlvs = modem_.indication(number, data);
     std::vector<uint8_t> packet(rpk_qmi::kHeaderLen + tlvs.size());
-    rpk_qmi::put_header(packet.data(),
-                        {rpk_qmi::kCtlIndication, 0, 0x0003, static_cast<uint16_t>(tlvs.size())});
+    rpk_qmi::put_header(packet.data(), {rpk_qmi::kCtlIndication, 0, kExtendMsgIndication,
+                                        static_cast<uint16_t>(tlvs.size())});
     std::copy(tlvs.begin(), tlvs.end(), packet.begin() + rpk_qmi::kHeaderLen);
     const std::vector<uint64_t> targets = connections_of(kExtendQmiServiceId);
     for (uint64_t id : targets) send_packet(id, packet);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "modem_services.h"
+#include "platform/host/link/qmi_host_transport.h"
 #include "sim_text.h"
 
 namespace rpk_sim {
@@ -20,11 +21,91 @@ const char *kind_name(FaultKind k) {
       return "no_data_valid";
     case FaultKind::kRefuseInit:
       return "refuse_init";
+    case FaultKind::kCorrupt:
+      return "corrupt";
   }
   return "?";
 }
 
+// One optional number of the corrupt fault's control form, at most `max`.
+template <typename T>
+bool corrupt_field(const nlohmann::json &j, const char *key, uint32_t max, std::optional<T> *out,
+                   std::string *error) {
+  if (!j.contains(key)) return true;
+  uint32_t v = 0;
+  if (!json_u32(j, key, &v) || v > max) {
+    *error =
+        std::string("fault corrupt: \"") + key + "\" must be a number up to " + std::to_string(max);
+    return false;
+  }
+  *out = static_cast<T>(v);
+  return true;
+}
+
+// The corrupt fault's fields from its control form.
+bool parse_corruption(const nlohmann::json &j, Corruption *c, std::string *error) {
+  if (!corrupt_field(j, "claim", UINT32_MAX, &c->claim, error) ||
+      !corrupt_field(j, "truncate", 0xFFFF, &c->truncate, error) ||
+      !corrupt_field(j, "msg_id", 0xFFFF, &c->msg_id, error) ||
+      !corrupt_field(j, "txn", 0xFFFF, &c->txn, error)) {
+    return false;
+  }
+  uint32_t v = 0;
+  for (const auto &p : j.value("patch", nlohmann::json::array())) {
+    std::vector<uint8_t> bytes;
+    if (!p.is_object() || !json_u32(p, "at", &v) || !p.contains("hex") || !p["hex"].is_string() ||
+        !parse_hex(p["hex"].get<std::string>(), &bytes) || bytes.empty()) {
+      *error = "fault corrupt: a patch is {\"at\": OFFSET, \"hex\": \"BYTES\"}";
+      return false;
+    }
+    c->patches.emplace_back(v, std::move(bytes));
+  }
+  if (!c->any()) {
+    *error = "fault corrupt needs patch, msg_id, txn, truncate or claim";
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
+
+void Corruption::add(const Corruption &other) {
+  if (other.claim) claim = other.claim;
+  if (other.truncate) truncate = other.truncate;
+  if (other.msg_id) msg_id = other.msg_id;
+  if (other.txn) txn = other.txn;
+  patches.insert(patches.end(), other.patches.begin(), other.patches.end());
+}
+
+void Corruption::apply(std::vector<uint8_t> &packet) const {
+  rpk_qmi::Header h;
+  if (packet.size() >= rpk_qmi::kHeaderLen &&
+      rpk_qmi::parse_header(packet.data(), packet.size(), &h)) {
+    if (truncate && *truncate < h.len) {
+      h.len = static_cast<uint16_t>(*truncate);
+      packet.resize(rpk_qmi::kHeaderLen + h.len);
+    }
+    if (msg_id) h.msg_id = *msg_id;
+    if (txn) h.txn = *txn;
+    rpk_qmi::put_header(packet.data(), h);
+  }
+  for (const auto &[at, bytes] : patches) {
+    for (size_t i = 0; i < bytes.size() && at + i < packet.size(); ++i) packet[at + i] = bytes[i];
+  }
+}
+
+nlohmann::json Corruption::to_json() const {
+  nlohmann::json j = nlohmann::json::object();
+  if (claim) j["claim"] = *claim;
+  if (truncate) j["truncate"] = *truncate;
+  if (msg_id) j["msg_id"] = *msg_id;
+  if (txn) j["txn"] = *txn;
+  for (const auto &[at, bytes] : patches) {
+    j["patch"].push_back(
+        {{"at", at}, {"hex", spaced_hex(std::string(bytes.begin(), bytes.end()))}});
+  }
+  return j;
+}
 
 bool Faults::matches(const Fault &f, uint32_t service, int64_t request_id) {
   return f.count != 0 && (f.service == 0 || f.service == service) &&
@@ -51,6 +132,9 @@ FaultEffect Faults::on_request(uint32_t service, int64_t request_id) {
         break;
       case FaultKind::kNoDataValid:
         effect.no_data_valid = true;
+        break;
+      case FaultKind::kCorrupt:
+        effect.corrupt.add(f.corrupt);
         break;
       case FaultKind::kDropAfter:
         if (f.value > 0) {
@@ -87,6 +171,7 @@ nlohmann::json Faults::to_json() const {
     if (f.service != 0) j["service"] = service_name(f.service);
     if (f.request_id >= 0) j["request_id"] = f.request_id;
     if (f.count >= 0) j["count"] = f.count;
+    if (f.kind == FaultKind::kCorrupt) j.update(f.corrupt.to_json());
     out.push_back(j);
   }
   return out;
@@ -134,6 +219,9 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
     f->kind = FaultKind::kNoDataValid;
   } else if (kind == "refuse_init") {
     f->kind = FaultKind::kRefuseInit;
+  } else if (kind == "corrupt") {
+    f->kind = FaultKind::kCorrupt;
+    if (!parse_corruption(j, &f->corrupt, error)) return false;
   } else {
     *error = "unknown fault kind: " + kind;
     return false;

@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace rpk_sim {
@@ -16,6 +18,26 @@ enum class FaultKind {
   kDropAfter,    // answer `value` more requests, then close the connection
   kNoDataValid,  // answer without data (data_valid 0)
   kRefuseInit,   // close a new client's connection instead of welcoming it
+  kCorrupt,      // answer with damaged bytes (Corruption)
+};
+
+// How a hostile modem damages an answer, applied in this order to the answer
+// as built: the claimed chunk, the cut, the header fields, then the patches.
+struct Corruption {
+  std::optional<uint32_t> claim;     // NV/EFS answers: data_len_send (record offset 8) says this
+  std::optional<uint32_t> truncate;  // keep this many bytes of the TLV area (header says so)
+  std::optional<uint16_t> msg_id;    // the header names this message
+  std::optional<uint16_t> txn;       // the header names this transaction
+  // Bytes written over the answer packet (7-byte header included) at an offset;
+  // bytes past its end are dropped.
+  std::vector<std::pair<uint32_t, std::vector<uint8_t>>> patches;
+
+  bool any() const { return claim || truncate || msg_id || txn || !patches.empty(); }
+  // Merges another matching fault's damage (its fields win).
+  void add(const Corruption &other);
+  // Applies the cut, the header fields and the patches to an answer packet.
+  void apply(std::vector<uint8_t> &packet) const;
+  nlohmann::json to_json() const;
 };
 
 struct Fault {
@@ -24,6 +46,7 @@ struct Fault {
   int64_t request_id = -1;  // -1: any request
   int64_t count = -1;       // requests it still applies to; -1: until cleared
   uint32_t value = 0;
+  Corruption corrupt;  // kCorrupt only
 };
 
 // What the faults make of one request.
@@ -33,6 +56,7 @@ struct FaultEffect {
   uint32_t error_code = 0;
   bool drop = false;
   bool no_data_valid = false;
+  Corruption corrupt;
 };
 
 class Faults {

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "control_link.h"
@@ -38,6 +39,8 @@ constexpr char kUsage[] =
     "  fault delay MS | error CODE | drop-after N | no-data-valid\n"
     "        [--service S] [--request-id ID] [--count N]\n"
     "  fault refuse-init [--service S] [--count N]\n"
+    "  fault corrupt [--patch OFFSET:HEX]... [--msg-id ID] [--txn ID] [--truncate N]\n"
+    "        [--claim N] [--service S] [--request-id ID] [--count N]\n"
     "  fault chunk SIZE | down [MS] [--service S] | up [--service S] | clear\n"
     "  indicate NUMBER [HEX...]                 send an Extend-QMI indication\n"
     "  journal [clear]                          print or clear the request journal\n";
@@ -240,11 +243,38 @@ constexpr FaultWord kFaultWords[] = {
     {"drop-after", "drop_after", "requests", false},
     {"no-data-valid", "no_data_valid", nullptr, false},
     {"refuse-init", "refuse_init", nullptr, false},
+    {"corrupt", "corrupt", nullptr, false},
     {"chunk", "chunk", "size", false},
     {"down", "down", "ms", true},
     {"up", "up", nullptr, false},
     {"clear", "clear", nullptr, false},
 };
+
+// The options of `fault corrupt` into its control form: --patch OFFSET:HEX
+// (repeatable), --msg-id, --txn, --truncate, --claim. False when `option` is
+// not one of them or its value does not parse.
+bool corrupt_option(const std::string &option, const std::string &value, json *fault) {
+  uint64_t v = 0;
+  if (option == "--patch") {
+    const size_t colon = value.find(':');
+    std::vector<uint8_t> bytes;
+    if (colon == std::string::npos || !parse_number(value.substr(0, colon), &v) ||
+        !rpk_sim::parse_hex(value.substr(colon + 1), &bytes)) {
+      return false;
+    }
+    (*fault)["patch"].push_back({{"at", v}, {"hex", value.substr(colon + 1)}});
+    return true;
+  }
+  static constexpr std::pair<const char *, const char *> kNumbers[] = {
+      {"--msg-id", "msg_id"}, {"--txn", "txn"}, {"--truncate", "truncate"}, {"--claim", "claim"}};
+  for (const auto &[flag, key] : kNumbers) {
+    if (option == flag && parse_number(value, &v)) {
+      (*fault)[key] = v;
+      return true;
+    }
+  }
+  return false;
+}
 
 int cmd_fault(const std::vector<std::string> &a) {
   if (a.empty()) return usage();
@@ -268,7 +298,7 @@ int cmd_fault(const std::vector<std::string> &a) {
       fault["request_id"] = v;
     } else if (a[i] == "--count" && parse_number(a[i + 1], &v)) {
       fault["count"] = v;
-    } else {
+    } else if (std::string(w->kind) != "corrupt" || !corrupt_option(a[i], a[i + 1], &fault)) {
       return usage();
     }
   }

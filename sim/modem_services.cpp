@@ -1,28 +1,25 @@
 #include "modem_services.h"
 
-#include <sar_service_v01.h>
-
-#include <cstring>
+#include <algorithm>
 
 #include "modem_errors.h"
-#include "platform/host/qcci/qmi_idl_codec.h"
+#include "qmi_wire.h"
 #include "sim_text.h"
-#include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 
 namespace rpk_sim {
 namespace {
 
-constexpr uint16_t kExtendMsg = VELMAR_EXTEND_QMI_MSG_ID;
-constexpr uint16_t kExtendIndication = VELMAR_EXTEND_QMI_MSG_ID_2;
-constexpr uint16_t kSarRfGetState = QMI_SAR_RF_GET_STATE_REQ_MSG_V01;
+// Request ids of the Extend-QMI envelope the modem carries out.
+constexpr uint32_t kRequestIdNvStore = 1;
+constexpr uint32_t kRequestIdNvEfs = 2;
+constexpr uint32_t kRequestIdCommon = 4;
 
-nlohmann::json envelope_json(const velmar_extend_qmi_msg_v01 &m, bool is_response) {
-  const uint32_t shown =
-      m.data_valid ? std::min<uint32_t>(m.data_len, VELMAR_EXTEND_QMI_DATA_MAX) : 0;
-  return {{is_response ? "result" : "request_id", m.request_id},
+nlohmann::json envelope_json(const ExtendEnvelope &m, bool is_response) {
+  const uint32_t shown = m.data_valid ? std::min<uint32_t>(m.data_len, kExtendDataMax) : 0;
+  return {{is_response ? "result" : "request_id", m.word},
           {"data_len", m.data_len},
-          {"data_valid", m.data_valid},
-          {"data", to_hex(m.data, shown)}};
+          {"data_valid", m.data_valid ? 1 : 0},
+          {"data", to_hex(m.data.data(), shown)}};
 }
 
 // What the faults make of a request, with the delay and a dropped connection
@@ -30,23 +27,16 @@ nlohmann::json envelope_json(const velmar_extend_qmi_msg_v01 &m, bool is_respons
 FaultEffect apply_faults(Faults &faults, uint32_t service, int64_t request_id, Outcome &out) {
   const FaultEffect fx = faults.on_request(service, request_id);
   out.delay_ms = fx.delay_ms;
+  out.corrupt = fx.corrupt;
+  if (fx.corrupt.any()) {
+    out.journal["fault"] = "corrupt";  // drop, error and no_data_valid name themselves over it
+    out.journal["corrupt"] = fx.corrupt.to_json();
+  }
   if (fx.drop) {
     out.reply = false;
     out.journal["fault"] = "drop";
   }
   return fx;
-}
-
-std::vector<uint8_t> encode(qmi_idl_service_object_type svc, uint16_t msg_id, const void *c,
-                            uint32_t c_len) {
-  std::vector<uint8_t> out(0xFFFF);
-  uint32_t len = 0;
-  if (rpk_qmi::encode_message(svc, QMI_IDL_RESPONSE, msg_id, c, c_len, out.data(),
-                              static_cast<uint32_t>(out.size()), &len) != 0) {
-    len = 0;  // a message this modem cannot encode goes out empty
-  }
-  out.resize(len);
-  return out;
 }
 
 }  // namespace
@@ -94,102 +84,97 @@ Outcome Modem::handle(uint32_t service, uint16_t msg_id, const uint8_t *tlvs, si
 
 Outcome Modem::extend_qmi(uint16_t msg_id, const uint8_t *tlvs, size_t len, Faults &faults) {
   Outcome out;
-  auto *svc = velmar_extend_qmi_get_service_object_v01();
-  velmar_extend_qmi_msg_v01 req{};
-  velmar_extend_qmi_msg_v01 resp{};
-  const int rc = rpk_qmi::decode_message(svc, QMI_IDL_REQUEST, msg_id, tlvs,
-                                         static_cast<uint32_t>(len), &req, sizeof req);
+  ExtendEnvelope req;
+  ExtendEnvelope resp;
+  const int rc =
+      extend_request_known(msg_id) ? decode_extend({tlvs, len}, &req) : kIdlMessageIdNotFound;
   int64_t request_id = -1;
   if (rc != 0) {
     out.journal["decode_error"] = rc;
-    resp.request_id = kQmiErrMalformedMsg;
+    resp.word = kQmiErrMalformedMsg;
   } else {
     out.journal["envelope"] = envelope_json(req, false);
-    request_id = req.request_id;
+    request_id = req.word;
   }
   const FaultEffect fx = apply_faults(faults, kExtendQmiServiceId, request_id, out);
   if (!out.reply) return out;
-  if (rc == QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND) {
+  if (rc == kIdlMessageIdNotFound) {
     // No response layout exists for an unknown message: an empty answer.
     out.journal["response"] = nullptr;
     return out;
   }
   if (fx.error) {
-    resp.request_id = fx.error_code;
+    resp.word = fx.error_code;
     out.journal["fault"] = "error";
   } else if (rc == 0) {
     std::vector<uint8_t> record;
-    if (msg_id != kExtendMsg) {
-      resp.request_id = kQmiErrNotSupported;
+    if (msg_id != kExtendMsgRequest) {
+      resp.word = kQmiErrNotSupported;
     } else if (!req.data_valid) {
-      resp.request_id = kQmiErrMissingArg;
-    } else if (req.request_id == VELMAR_REQUEST_ID_NV) {
-      record = nv_store_request(req.data, out);
-    } else if (req.request_id == VELMAR_REQUEST_ID_EFS) {
-      record = nv_efs_request(req.data);
-    } else if (req.request_id == VELMAR_REQUEST_ID_COMMON) {
-      record = common_request(req.data, out);
+      resp.word = kQmiErrMissingArg;
+    } else if (req.word == kRequestIdNvStore) {
+      record = nv_store_request(req.data.data(), out);
+    } else if (req.word == kRequestIdNvEfs) {
+      record = nv_efs_request(req.data.data());
+    } else if (req.word == kRequestIdCommon) {
+      record = common_request(req.data.data(), out);
     } else {
-      resp.request_id = kQmiErrNotSupported;
+      resp.word = kQmiErrNotSupported;
+    }
+    if (fx.corrupt.claim && req.word == kRequestIdNvEfs && record.size() >= 12) {
+      put_le(record.data() + 8, *fx.corrupt.claim, 4);  // data_len_send
     }
     if (!record.empty()) {
-      memcpy(resp.data, record.data(), std::min<size_t>(record.size(), sizeof resp.data));
-      resp.data_len = static_cast<uint32_t>(std::min<size_t>(record.size(), sizeof resp.data));
-      resp.data_valid = fx.no_data_valid ? 0 : 1;
+      const size_t n = std::min(record.size(), kExtendDataMax);
+      std::copy_n(record.begin(), n, resp.data.begin());
+      resp.data_len = static_cast<uint32_t>(n);
+      resp.data_valid = !fx.no_data_valid;
       if (fx.no_data_valid) out.journal["fault"] = "no_data_valid";
     }
   }
   if (out.delay_ms > 0 && fx.delay_ms > 0) out.journal["delay_ms"] = out.delay_ms;
   out.journal["response"] = envelope_json(resp, true);
-  out.tlvs = encode(svc, msg_id, &resp, sizeof resp);
+  out.tlvs = encode_extend(resp);
   return out;
 }
 
 Outcome Modem::sar(uint16_t msg_id, const uint8_t *tlvs, size_t len, Faults &faults) {
   Outcome out;
-  auto *svc = sar_get_service_object_internal_v01(1, 12, 6);
-  const int rc = rpk_qmi::decode_message(svc, QMI_IDL_REQUEST, msg_id, tlvs,
-                                         static_cast<uint32_t>(len), nullptr, 0);
+  const int rc = decode_sar_request(msg_id, {tlvs, len});
   if (rc != 0) out.journal["decode_error"] = rc;
   const FaultEffect fx = apply_faults(faults, kSarServiceId, -1, out);
   if (!out.reply) return out;
-  if (rc == QMI_IDL_LIB_MESSAGE_ID_NOT_FOUND || msg_id != kSarRfGetState) {
+  if (rc == kIdlMessageIdNotFound) {
     out.journal["response"] = nullptr;
     return out;
   }
-  sar_rf_get_state_resp_msg_v01 resp{};
+  SarRfState resp;
   if (fx.error || rc != 0) {
-    resp.resp.result = 1;
-    resp.resp.error = static_cast<int32_t>(fx.error ? fx.error_code : kQmiErrMalformedMsg);
+    resp.result = 1;
+    resp.error = static_cast<uint16_t>(fx.error ? fx.error_code : kQmiErrMalformedMsg);
     if (fx.error) out.journal["fault"] = "error";
   } else {
-    resp.sar_rf_state_valid = fx.no_data_valid ? 0 : static_cast<uint8_t>(settings_.sar_valid != 0);
-    resp.sar_rf_state = settings_.sar_state;
+    resp.state_valid = !fx.no_data_valid && settings_.sar_valid != 0;
+    resp.state = settings_.sar_state;
     if (fx.no_data_valid) out.journal["fault"] = "no_data_valid";
   }
-  out.journal["response"] = {{"result", resp.resp.result},
-                             {"error", resp.resp.error},
-                             {"sar_rf_state_valid", resp.sar_rf_state_valid},
-                             {"sar_rf_state", resp.sar_rf_state}};
-  out.tlvs = encode(svc, msg_id, &resp, sizeof resp);
+  out.journal["response"] = {{"result", resp.result},
+                             {"error", resp.error},
+                             {"sar_rf_state_valid", resp.state_valid ? 1 : 0},
+                             {"sar_rf_state", resp.state}};
+  out.tlvs = encode_sar_rf_state(resp);
   return out;
 }
 
 std::vector<uint8_t> Modem::indication(uint32_t number, const std::vector<uint8_t> &data) {
-  velmar_extend_qmi_msg_v01 ind{};
-  ind.request_id = number;
+  ExtendEnvelope ind;
+  ind.word = number;
   if (!data.empty()) {
-    ind.data_len = static_cast<uint32_t>(std::min<size_t>(data.size(), sizeof ind.data));
-    memcpy(ind.data, data.data(), ind.data_len);
-    ind.data_valid = 1;
+    ind.data_len = static_cast<uint32_t>(std::min(data.size(), kExtendDataMax));
+    std::copy_n(data.begin(), ind.data_len, ind.data.begin());
+    ind.data_valid = true;
   }
-  std::vector<uint8_t> out(0xFFFF);
-  uint32_t len = 0;
-  rpk_qmi::encode_message(velmar_extend_qmi_get_service_object_v01(), QMI_IDL_INDICATION,
-                          kExtendIndication, &ind, sizeof ind, out.data(),
-                          static_cast<uint32_t>(out.size()), &len);
-  out.resize(len);
-  return out;
+  return encode_extend(ind);
 }
 
 }  // namespace rpk_sim

@@ -26,6 +26,7 @@ struct Outcome {
   uint32_t delay_ms = 0;      // send the answer this late
   AfterReply after = AfterReply::kNothing;
   nlohmann::json journal;  // decoded request and response, for the journal
+  Corruption corrupt;      // damage the transport does to the answer packet
 };
 
 class Modem {

@@ -53,6 +53,7 @@ void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packe
   rpk_qmi::put_header(reply.data(), {rpk_qmi::kCtlResponse, h.txn, h.msg_id,
                                      static_cast<uint16_t>(out.tlvs.size())});
   std::copy(out.tlvs.begin(), out.tlvs.end(), reply.begin() + rpk_qmi::kHeaderLen);
+  out.corrupt.apply(reply);
   const AfterReply after = out.after;
   auto answer = [this, conn, reply = std::move(reply), after] {
     host_.after_reply(after);  // first: it keeps new clients out

@@ -2,11 +2,9 @@
 
 #include <cinttypes>
 #include <cstdio>
-#include <cstdlib>
 #include <span>
 
 #include "common/velmar_bytes.h"
-#include "front/velmar_help.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 #include "velmar_extend_qmi/velmar_extend_cmn.h"
@@ -163,13 +161,4 @@ void velmar_test_modem_stats_get_debug_info_do(int mask) {
     cnt += s.unpk(body + cnt);
     printf("-------- stats %s info end, cnt(%d) --------\n", s.label, cnt % 256);
   }
-}
-
-int velmar_test_modem_stats_get_debug_info(int argc, char **argv) {
-  if (argc < 4) {
-    velmar_note_too_few_parameters();
-    return 0;
-  }
-  velmar_test_modem_stats_get_debug_info_do(atoi(argv[3]));
-  return 1;
 }

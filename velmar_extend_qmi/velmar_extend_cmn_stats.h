@@ -33,7 +33,3 @@ bool velmar_modem_stats_support_status_check(const uint8_t *p);
 
 // `rpk 7 2 <mask>`: asks the modem and prints what the mask selects.
 void velmar_test_modem_stats_get_debug_info_do(int mask);
-
-// With argc at least 4 runs the query with mask = atoi(argv[3]) and returns
-// 1 whatever the outcome; with fewer prints the too-few note and returns 0.
-int velmar_test_modem_stats_get_debug_info(int argc, char **argv);

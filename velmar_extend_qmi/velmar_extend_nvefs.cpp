@@ -2,14 +2,15 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
 #include "common/velmar_log.h"
+#include "common/velmar_status.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_client.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_records.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
-#include "common/velmar_status.h"
 
 namespace {
 
@@ -34,15 +35,19 @@ class fn_trace {
 constexpr const char *kSendFail = "velmar_extend_qmi_send_sync fail";
 
 // One request id 2 exchange under `fn`: the whole 512-byte record out, 444
-// bytes of room back (rsp is zero unless the transport succeeded). Logs the
-// outcome, `send_fail` for a failed transport, and returns 0 when both the
-// transport and the modem succeeded, else the code to return.
+// bytes of room back (rsp is zero unless the transport succeeded, and zero
+// past what the modem sent). Logs the outcome, `send_fail` for a failed
+// transport, and returns 0 when both the transport and the modem succeeded,
+// else the code to return. *carried, when asked for, is how many bytes of
+// rsp.data the answer really held: data past it was never sent.
 int32_t exchange(const char *fn, const velmar_nvefs_req &req, velmar_nvefs_rsp &rsp,
-                 const char *send_fail = kSendFail) {
+                 const char *send_fail = kSendFail, uint32_t *carried = nullptr) {
   rsp = {};
   uint32_t room = sizeof rsp;
   const int32_t mapped = velmar_qmi_result_map(
       velmar_extend_qmi_send_sync(VELMAR_REQUEST_ID_EFS, &req, sizeof req, &rsp, &room));
+  constexpr uint32_t kDataAt = offsetof(velmar_nvefs_rsp, data);
+  if (carried != nullptr) *carried = room > kDataAt ? room - kDataAt : 0;
   VELMAR_LOGF_LN(fn, "result = %d, rsp.result = %d", mapped, rsp.result);
   if (mapped != VELMAR_OK) {
     VELMAR_LOGF_LN(fn, "%s", send_fail);
@@ -112,7 +117,9 @@ int32_t efs_read_chunks(const char *fn, velmar_nvefs_req &req, uint8_t *buf, uin
   for (;;) {
     const uint32_t cur = recv;
     req.data_len_cur = cur;
-    const int32_t outcome = exchange(fn, req, rsp, "velmar_extend_qmi_send_sync fail, ABORT");
+    uint32_t carried = 0;
+    const int32_t outcome =
+        exchange(fn, req, rsp, "velmar_extend_qmi_send_sync fail, ABORT", &carried);
     if (outcome != VELMAR_OK) return outcome;
 
     recv += rsp.data_len_send;
@@ -125,9 +132,10 @@ int32_t efs_read_chunks(const char *fn, velmar_nvefs_req &req, uint8_t *buf, uin
       VELMAR_LOGF_LN(fn, "abort, data_len_send <= 0");
       return VELMAR_ERR_NVEFS_LEN;
     }
-    // The chunk must lie inside the response we offered room for.
-    if (rsp.data_len_send > sizeof rsp.data) {
-      VELMAR_LOGF_LN(fn, "abort, data_len_send > %d", static_cast<int>(sizeof rsp.data));
+    // The chunk must lie inside what the answer carried (at most the 424 bytes
+    // we offered room for): bytes past it were never sent.
+    if (rsp.data_len_send > carried) {
+      VELMAR_LOGF_LN(fn, "abort, data_len_send > %d", static_cast<int>(carried));
       return VELMAR_ERR_NVEFS_LEN;
     }
 
@@ -212,7 +220,8 @@ int32_t velmar_nv_read(uint32_t sub, uint32_t nv_id, uint8_t *buf, uint32_t *buf
 
   const velmar_nvefs_req req = nv_record(VELMAR_NVEFS_OP_NV_READ, sub, nv_id);
   velmar_nvefs_rsp rsp;
-  const int32_t outcome = exchange(fn, req, rsp);
+  uint32_t carried = 0;
+  const int32_t outcome = exchange(fn, req, rsp, kSendFail, &carried);
   if (outcome != VELMAR_OK) return outcome;
 
   VELMAR_LOG_LN("rsp.data_len_all = %d", rsp.data_len_all);
@@ -221,6 +230,13 @@ int32_t velmar_nv_read(uint32_t sub, uint32_t nv_id, uint8_t *buf, uint32_t *buf
     return VELMAR_ERR_NVEFS_LEN;
   }
   const uint32_t n = std::min({rsp.data_len_all, *buf_len, static_cast<uint32_t>(sizeof rsp.data)});
+  // The value must lie inside what the answer carried: bytes past it were
+  // never sent.
+  if (n > carried) {
+    VELMAR_LOG_LN("rsp.data_len_all(%d) is more than the %d data bytes received", rsp.data_len_all,
+                  carried);
+    return VELMAR_ERR_NVEFS_LEN;
+  }
   memcpy(buf, rsp.data, n);
   *buf_len = n;
   return VELMAR_OK;

@@ -1,0 +1,5 @@
+# The answer names another transaction: it matches no request, so the request
+# is never answered and times out (-3 → -103).
+setup: "$SIM" fault corrupt --txn 0x99
+args: 4 1 0 550
+check: python3 "$CASE_DIR/../journal.py" req 1 fault=corrupt
