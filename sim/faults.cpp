@@ -4,6 +4,7 @@
 
 #include "modem_services.h"
 #include "sim_text.h"
+#include "stats_endpoint.h"
 
 namespace rpk_sim {
 namespace {
@@ -20,6 +21,14 @@ const char *kind_name(FaultKind k) {
       return "no_data_valid";
     case FaultKind::kRefuseInit:
       return "refuse_init";
+    case FaultKind::kStatsEmpty:
+      return "stats_empty";
+    case FaultKind::kStatsId:
+      return "stats_id";
+    case FaultKind::kStatsSub:
+      return "stats_sub";
+    case FaultKind::kStatsCount:
+      return "stats_count";
   }
   return "?";
 }
@@ -62,6 +71,18 @@ FaultEffect Faults::on_request(uint32_t service, int64_t request_id) {
         continue;
       case FaultKind::kRefuseInit:
         break;
+      case FaultKind::kStatsEmpty:
+        effect.stats_empty = true;
+        break;
+      case FaultKind::kStatsId:
+        effect.stats_id = f.value;
+        break;
+      case FaultKind::kStatsSub:
+        effect.stats_sub = f.value;
+        break;
+      case FaultKind::kStatsCount:
+        effect.stats_count = f.value;
+        break;
     }
     if (f.count > 0) --f.count;
   }
@@ -98,6 +119,7 @@ uint32_t parse_service(const nlohmann::json &j) {
   const std::string s = j.get<std::string>();
   if (s == "extend" || s == "extend_qmi") return kExtendQmiServiceId;
   if (s == "sar") return kSarServiceId;
+  if (s == "stats") return kStatsServiceId;
   try {
     size_t used = 0;
     unsigned long v = std::stoul(s, &used, 0);
@@ -110,6 +132,7 @@ uint32_t parse_service(const nlohmann::json &j) {
 std::string service_name(uint32_t service) {
   if (service == kExtendQmiServiceId) return "extend";
   if (service == kSarServiceId) return "sar";
+  if (service == kStatsServiceId) return "stats";
   return std::to_string(service);
 }
 
@@ -134,6 +157,17 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
     f->kind = FaultKind::kNoDataValid;
   } else if (kind == "refuse_init") {
     f->kind = FaultKind::kRefuseInit;
+  } else if (kind == "stats_empty") {
+    f->kind = FaultKind::kStatsEmpty;
+  } else if (kind == "stats_id") {
+    f->kind = FaultKind::kStatsId;
+    value_key = "id";
+  } else if (kind == "stats_sub") {
+    f->kind = FaultKind::kStatsSub;
+    value_key = "sub";
+  } else if (kind == "stats_count") {
+    f->kind = FaultKind::kStatsCount;
+    value_key = "ids";
   } else {
     *error = "unknown fault kind: " + kind;
     return false;
@@ -148,6 +182,15 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
       *error = "unknown service: " + j["service"].dump();
       return false;
     }
+  }
+  const bool stats_only = f->kind == FaultKind::kStatsEmpty || f->kind == FaultKind::kStatsId ||
+                          f->kind == FaultKind::kStatsSub || f->kind == FaultKind::kStatsCount;
+  if (stats_only) {
+    if (f->service != 0 && f->service != kStatsServiceId) {
+      *error = "fault " + kind + " applies to the stats service only";
+      return false;
+    }
+    f->service = kStatsServiceId;
   }
   uint32_t v = 0;
   if (j.contains("request_id")) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,11 @@ enum class FaultKind {
   kDropAfter,    // answer `value` more requests, then close the connection
   kNoDataValid,  // answer without data (data_valid 0)
   kRefuseInit,   // close a new client's connection instead of welcoming it
+  // Statistics service only: what its query answer says.
+  kStatsEmpty,  // no ids returned
+  kStatsId,     // record id `value` returned
+  kStatsSub,    // subscription `value` returned
+  kStatsCount,  // `value` ids returned
 };
 
 struct Fault {
@@ -33,6 +39,9 @@ struct FaultEffect {
   uint32_t error_code = 0;
   bool drop = false;
   bool no_data_valid = false;
+  // Statistics query answers; nullopt: as the modem has it.
+  bool stats_empty = false;
+  std::optional<uint32_t> stats_id, stats_sub, stats_count;
 };
 
 class Faults {
@@ -52,8 +61,8 @@ class Faults {
   std::vector<Fault> faults_;
 };
 
-// Service names of the control interface: "extend" (0xffe4), "sar" (0x11), or
-// a number. 0 when unknown.
+// Service names of the control interface: "extend" (0xffe4), "sar" (0x11),
+// "stats" (the modem API's statistics endpoint), or a number. 0 when unknown.
 uint32_t parse_service(const nlohmann::json &j);
 std::string service_name(uint32_t service);
 
