@@ -72,7 +72,9 @@ std::mutex g_mu;
 // Guarded by g_mu.
 bool g_inited = false;
 int g_next_id = 1;
-std::map<int, std::shared_ptr<Client>> g_clients;
+// Never destroyed: a client still open at exit has a running reader, which a
+// destructor would have to join.
+std::map<int, std::shared_ptr<Client>> &g_clients = *new std::map<int, std::shared_ptr<Client>>;
 
 std::shared_ptr<Client> find_client(int id) {
   std::lock_guard<std::mutex> lock(g_mu);
