@@ -9,6 +9,7 @@
 #include "modem_services.h"
 #include "platform/host/link/modem_api_wire.h"
 #include "platform/host/link/qmi_host_transport.h"
+#include "qmi_endpoint.h"
 #include "sim_text.h"
 #include "store.h"
 
@@ -86,10 +87,7 @@ StatsEndpoint::StatsEndpoint(EndpointHost &host)
 std::string StatsEndpoint::socket_path() const { return rpk_modem_api::socket_path(); }
 
 bool StatsEndpoint::on_accept(uint64_t conn) {
-  if (host_.faults().refuses_client(kStatsServiceId)) return false;
-  std::vector<uint8_t> welcome(rpk_qmi::kHeaderLen);
-  rpk_qmi::put_header(welcome.data(), {rpk_qmi::kCtlWelcome, 0, 0, 0});
-  host_.send_packet(conn, welcome);
+  if (!welcome_client(host_, kStatsServiceId, conn)) return false;
   features_[conn] = {};
   return true;
 }
@@ -97,15 +95,9 @@ bool StatsEndpoint::on_accept(uint64_t conn) {
 void StatsEndpoint::on_close(uint64_t conn) { features_.erase(conn); }
 
 void StatsEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packet) {
-  json entry = {
-      {"service", "stats"}, {"client", conn}, {"wire", to_hex(packet.data(), packet.size())}};
+  json entry = {{"service", "stats"}, {"client", conn}};
   rpk_qmi::Header h;
-  if (!rpk_qmi::parse_header(packet.data(), packet.size(), &h) || h.ctl != rpk_qmi::kCtlRequest) {
-    entry["error"] = "malformed packet";
-    host_.journal().append(entry);
-    return;
-  }
-  entry["txn"] = h.txn;
+  if (!take_request(host_, packet, entry, &h)) return;
   entry["msg_id"] = hex_id(h.msg_id);
   const uint8_t *body = packet.data() + rpk_qmi::kHeaderLen;
   std::vector<uint8_t> rsp;
@@ -124,16 +116,7 @@ void StatsEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packet) {
     host_.close_conn(conn);
     return;
   }
-  std::vector<uint8_t> reply(rpk_qmi::kHeaderLen);
-  rpk_qmi::put_header(reply.data(),
-                      {rpk_qmi::kCtlResponse, h.txn, h.msg_id, static_cast<uint16_t>(rsp.size())});
-  reply.insert(reply.end(), rsp.begin(), rsp.end());
-  if (delay_ms == 0) {
-    host_.send_packet(conn, reply);
-  } else {
-    host_.after(std::chrono::milliseconds(delay_ms),
-                [this, conn, reply = std::move(reply)] { host_.send_packet(conn, reply); });
-  }
+  send_response(host_, conn, h, rsp, delay_ms);
 }
 
 void StatsEndpoint::answer_set_feature(uint64_t conn, const uint8_t *body, size_t len, json &entry,
