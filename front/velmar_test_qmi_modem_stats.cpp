@@ -268,36 +268,25 @@ int velmar_test_qmi_modem_stats_get(uint32_t sub, uint32_t id) {
     return 1;
   }
   const auto id_num = static_cast<int>(result.id_num);
-  if (id_num == 0) {
-    printf("Fail to get data, empty, number = %d, sub = %d, ret id_num = %d, id = %d\n", number,
-           isub, id_num, iid);
-    return 1;
-  }
-  if (id_num != 1) {
-    printf("Fail to get data, id num error, number = %d, sub = %d, ret id_num = %d, id = %d\n",
-           number, isub, id_num, iid);
-    return 1;
-  }
-  if (result.id != id) {
-    printf(
-        "Fail to get data, ret_id(%d) is invalid, number = %d, sub = %d, ret id_num = %d, id = "
-        "%d\n",
-        static_cast<int>(result.id), number, isub, id_num, iid);
-    return 1;
-  }
-  if (result.sub != sub) {
-    printf(
-        "Fail to get data, ret_sub(%d) is invalid, number = %d, sub = %d, ret id_num = %d, id = "
-        "%d\n",
-        static_cast<int>(result.sub), number, isub, id_num, iid);
-    return 1;
-  }
   const auto data_len = static_cast<int>(result.data_len);
-  if (result.data_len == 0 || result.data_len > VELMAR_TESSERA_DATA_MAX) {
-    printf(
-        "Fail to get data, data_len(%d) is invalid, should be in (0, %d], number = %d, sub = %d, "
-        "ret id_num = %d, id = %d\n",
-        data_len, VELMAR_TESSERA_DATA_MAX, number, isub, id_num, iid);
+  // The answer's checks in order; the first that fails names itself in the
+  // refusal line.
+  char why[80] = "";
+  if (id_num == 0) {
+    snprintf(why, sizeof why, "empty");
+  } else if (id_num != 1) {
+    snprintf(why, sizeof why, "id num error");
+  } else if (result.id != id) {
+    snprintf(why, sizeof why, "ret_id(%d) is invalid", static_cast<int>(result.id));
+  } else if (result.sub != sub) {
+    snprintf(why, sizeof why, "ret_sub(%d) is invalid", static_cast<int>(result.sub));
+  } else if (result.data_len == 0 || result.data_len > VELMAR_TESSERA_DATA_MAX) {
+    snprintf(why, sizeof why, "data_len(%d) is invalid, should be in (0, %d]", data_len,
+             VELMAR_TESSERA_DATA_MAX);
+  }
+  if (why[0] != '\0') {
+    printf("Fail to get data, %s, number = %d, sub = %d, ret id_num = %d, id = %d\n", why, number,
+           isub, id_num, iid);
     return 1;
   }
   printf("Success to get data, number = %d, sub = %d, ret id_num = %d, id = %d, data_len = %d\n",
