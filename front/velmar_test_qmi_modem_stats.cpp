@@ -15,7 +15,8 @@
 
 namespace {
 
-static_assert(VELMAR_TESSERA_DATA_MAX == MODEM_API_STATS_DATA_MAX);
+// A good answer is copied whole from the result into the buffer.
+static_assert(sizeof(modem_api_stats_result::data) >= VELMAR_TESSERA_DATA_MAX);
 
 // Arguments of modem_api_set_tessera_feature_status that start the feature;
 // their meaning is the library's.
