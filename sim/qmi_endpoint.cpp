@@ -64,8 +64,8 @@ void send_response(EndpointHost &host, uint64_t conn, const rpk_qmi::Header &req
                                      static_cast<uint16_t>(body.size())});
   reply.insert(reply.end(), body.begin(), body.end());
   auto answer = [&host, conn, reply = std::move(reply), after] {
-    host.after_reply(after);  // first: it keeps new clients out
     host.send_packet(conn, reply);
+    host.after_reply(after);
   };
   if (delay_ms == 0) {
     answer();
