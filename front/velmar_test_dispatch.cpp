@@ -20,7 +20,7 @@ constexpr std::array kCategories{
     velmar_category{VELMAR_CAT_MODEM_STATS, "modem stats", velmar_test_modem_stats_do,
                     velmar_help_modem_stats},
     velmar_category{VELMAR_CAT_AT, "at command", velmar_test_at_cmd_do, velmar_help_at},
-    velmar_category{VELMAR_CAT_QMI_MODEM_STATS, "modem stats qmi", nullptr,
+    velmar_category{VELMAR_CAT_QMI_MODEM_STATS, "modem stats qmi", velmar_test_qmi_modem_stats_do,
                     velmar_help_qmi_modem_stats},
 };
 

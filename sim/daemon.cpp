@@ -22,6 +22,7 @@
 #include "platform/host/link/rpk_host.h"
 #include "qmi_endpoint.h"
 #include "sim_text.h"
+#include "stats_endpoint.h"
 
 namespace rpk_sim {
 namespace {
@@ -86,7 +87,8 @@ class ControlEndpoint : public Endpoint {
                                 ? daemon_.control(command)
                                 : nlohmann::json{{"ok", false}, {"error", "not a JSON object"}};
     const std::string text = dump_json(answer);
-    daemon_.send_packet(conn, std::span(reinterpret_cast<const uint8_t *>(text.data()), text.size()));
+    daemon_.send_packet(conn,
+                        std::span(reinterpret_cast<const uint8_t *>(text.data()), text.size()));
     daemon_.close_conn(conn);
   }
 
@@ -101,6 +103,7 @@ Daemon::Daemon(std::string state_dir)
   endpoints_.push_back({std::make_unique<ControlEndpoint>(*this)});
   endpoints_.push_back({std::make_unique<QmiServiceEndpoint>(*this, kExtendQmiServiceId)});
   endpoints_.push_back({std::make_unique<QmiServiceEndpoint>(*this, kSarServiceId)});
+  endpoints_.push_back({std::make_unique<StatsEndpoint>(*this)});
 }
 
 Daemon::~Daemon() {

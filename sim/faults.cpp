@@ -5,6 +5,7 @@
 #include "modem_services.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "sim_text.h"
+#include "stats_endpoint.h"
 
 namespace rpk_sim {
 namespace {
@@ -23,6 +24,14 @@ const char *kind_name(FaultKind k) {
       return "refuse_init";
     case FaultKind::kCorrupt:
       return "corrupt";
+    case FaultKind::kStatsEmpty:
+      return "stats_empty";
+    case FaultKind::kStatsId:
+      return "stats_id";
+    case FaultKind::kStatsSub:
+      return "stats_sub";
+    case FaultKind::kStatsCount:
+      return "stats_count";
   }
   return "?";
 }
@@ -146,6 +155,18 @@ FaultEffect Faults::on_request(uint32_t service, int64_t request_id) {
         continue;
       case FaultKind::kRefuseInit:
         break;
+      case FaultKind::kStatsEmpty:
+        effect.stats_empty = true;
+        break;
+      case FaultKind::kStatsId:
+        effect.stats_id = f.value;
+        break;
+      case FaultKind::kStatsSub:
+        effect.stats_sub = f.value;
+        break;
+      case FaultKind::kStatsCount:
+        effect.stats_count = f.value;
+        break;
     }
     if (f.count > 0) --f.count;
   }
@@ -183,6 +204,7 @@ uint32_t parse_service(const nlohmann::json &j) {
   const std::string s = j.get<std::string>();
   if (s == "extend" || s == "extend_qmi") return kExtendQmiServiceId;
   if (s == "sar") return kSarServiceId;
+  if (s == "stats") return kStatsServiceId;
   try {
     size_t used = 0;
     unsigned long v = std::stoul(s, &used, 0);
@@ -195,6 +217,7 @@ uint32_t parse_service(const nlohmann::json &j) {
 std::string service_name(uint32_t service) {
   if (service == kExtendQmiServiceId) return "extend";
   if (service == kSarServiceId) return "sar";
+  if (service == kStatsServiceId) return "stats";
   return std::to_string(service);
 }
 
@@ -222,6 +245,17 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
   } else if (kind == "corrupt") {
     f->kind = FaultKind::kCorrupt;
     if (!parse_corruption(j, &f->corrupt, error)) return false;
+  } else if (kind == "stats_empty") {
+    f->kind = FaultKind::kStatsEmpty;
+  } else if (kind == "stats_id") {
+    f->kind = FaultKind::kStatsId;
+    value_key = "id";
+  } else if (kind == "stats_sub") {
+    f->kind = FaultKind::kStatsSub;
+    value_key = "sub";
+  } else if (kind == "stats_count") {
+    f->kind = FaultKind::kStatsCount;
+    value_key = "ids";
   } else {
     *error = "unknown fault kind: " + kind;
     return false;
@@ -236,6 +270,15 @@ bool parse_fault(const nlohmann::json &j, Fault *f, std::string *error) {
       *error = "unknown service: " + j["service"].dump();
       return false;
     }
+  }
+  const bool stats_only = f->kind == FaultKind::kStatsEmpty || f->kind == FaultKind::kStatsId ||
+                          f->kind == FaultKind::kStatsSub || f->kind == FaultKind::kStatsCount;
+  if (stats_only) {
+    if (f->service != 0 && f->service != kStatsServiceId) {
+      *error = "fault " + kind + " applies to the stats service only";
+      return false;
+    }
+    f->service = kStatsServiceId;
   }
   uint32_t v = 0;
   if (j.contains("request_id")) {

@@ -19,6 +19,11 @@ enum class FaultKind {
   kNoDataValid,  // answer without data (data_valid 0)
   kRefuseInit,   // close a new client's connection instead of welcoming it
   kCorrupt,      // answer with damaged bytes (Corruption)
+  // Statistics service only: what its query answer says.
+  kStatsEmpty,  // no ids returned
+  kStatsId,     // record id `value` returned
+  kStatsSub,    // subscription `value` returned
+  kStatsCount,  // `value` ids returned
 };
 
 // How a hostile modem damages an answer, applied in this order to the answer
@@ -57,6 +62,9 @@ struct FaultEffect {
   bool drop = false;
   bool no_data_valid = false;
   Corruption corrupt;
+  // Statistics query answers; nullopt: as the modem has it.
+  bool stats_empty = false;
+  std::optional<uint32_t> stats_id, stats_sub, stats_count;
 };
 
 class Faults {
@@ -76,8 +84,8 @@ class Faults {
   std::vector<Fault> faults_;
 };
 
-// Service names of the control interface: "extend" (0xffe4), "sar" (0x11), or
-// a number. 0 when unknown.
+// Service names of the control interface: "extend" (0xffe4), "sar" (0x11),
+// "stats" (the modem API's statistics endpoint), or a number. 0 when unknown.
 uint32_t parse_service(const nlohmann::json &j);
 std::string service_name(uint32_t service);
 

@@ -42,6 +42,8 @@ constexpr char kUsage[] =
     "  fault corrupt [--patch OFFSET:HEX]... [--msg-id ID] [--txn ID] [--truncate N]\n"
     "        [--claim N] [--service S] [--request-id ID] [--count N]\n"
     "  fault chunk SIZE | down [MS] [--service S] | up [--service S] | clear\n"
+    "  fault stats-empty | stats-id N | stats-sub N | stats-count N [--count N]\n"
+    "  stats set SUB ID [HEX...] | stats clear     pin a statistics record, or let go\n"
     "  indicate NUMBER [HEX...]                 send an Extend-QMI indication\n"
     "  journal [clear]                          print or clear the request journal\n";
 
@@ -248,6 +250,10 @@ constexpr FaultWord kFaultWords[] = {
     {"down", "down", "ms", true},
     {"up", "up", nullptr, false},
     {"clear", "clear", nullptr, false},
+    {"stats-empty", "stats_empty", nullptr, false},
+    {"stats-id", "stats_id", "id", false},
+    {"stats-sub", "stats_sub", "sub", false},
+    {"stats-count", "stats_count", "ids", false},
 };
 
 // The options of `fault corrupt` into its control form: --patch OFFSET:HEX
@@ -329,6 +335,16 @@ int cmd_journal(const std::vector<std::string> &a) {
   return 0;
 }
 
+int cmd_stats(const std::vector<std::string> &a) {
+  if (a.size() == 1 && a[0] == "clear") return ask_daemon({{"cmd", "stats_clear"}});
+  uint64_t sub = 0, id = 0;
+  if (a.size() < 3 || a[0] != "set" || !parse_number(a[1], &sub) || !parse_number(a[2], &id) ||
+      id > 0xFFFFFFFFu) {
+    return usage();
+  }
+  return ask_daemon({{"cmd", "stats_set"}, {"sub", sub}, {"id", id}, {"hex", join_from(a, 3)}});
+}
+
 int cmd_scenario(const std::vector<std::string> &a) {
   if (a.size() != 1) return usage();
   std::string text;
@@ -373,5 +389,6 @@ int main(int argc, char **argv) {
   if (cmd == "fault") return cmd_fault(args);
   if (cmd == "indicate") return cmd_indicate(args);
   if (cmd == "journal") return cmd_journal(args);
+  if (cmd == "stats") return cmd_stats(args);
   return usage();
 }

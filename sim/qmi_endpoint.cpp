@@ -19,50 +19,60 @@ std::string QmiServiceEndpoint::name() const { return service_name(id_); }
 
 std::string QmiServiceEndpoint::socket_path() const { return rpk_qmi::service_socket_path(id_); }
 
-bool QmiServiceEndpoint::on_accept(uint64_t conn) {
-  if (host_.faults().refuses_client(id_)) {
-    // Closed before the welcome: the client's init fails; no request was made,
-    // so the journal has nothing to say.
-    return false;
-  }
-  std::vector<uint8_t> welcome(rpk_qmi::kHeaderLen);
-  rpk_qmi::put_header(welcome.data(), {rpk_qmi::kCtlWelcome, 0, 0, 0});
-  host_.send_packet(conn, welcome);
-  return true;
-}
+bool QmiServiceEndpoint::on_accept(uint64_t conn) { return welcome_client(host_, id_, conn); }
 
 void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packet) {
-  nlohmann::json entry = {
-      {"service", hex_id(id_)}, {"client", conn}, {"wire", to_hex(packet.data(), packet.size())}};
+  nlohmann::json entry = {{"service", hex_id(id_)}, {"client", conn}};
   rpk_qmi::Header h;
-  if (!rpk_qmi::parse_header(packet.data(), packet.size(), &h) || h.ctl != rpk_qmi::kCtlRequest) {
-    entry["error"] = "malformed packet";
-    host_.journal().append(entry);
-    return;
-  }
-  entry["txn"] = h.txn;
-  Outcome out =
-      host_.modem().handle(id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen, h.len, host_.faults());
+  if (!take_request(host_, packet, entry, &h)) return;
+  Outcome out = host_.modem().handle(id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen, h.len,
+                                     host_.faults());
   entry.update(out.journal);
   host_.journal().append(entry);
   if (!out.reply) {
     host_.close_conn(conn);
     return;
   }
-  std::vector<uint8_t> reply(rpk_qmi::kHeaderLen + out.tlvs.size());
-  rpk_qmi::put_header(reply.data(), {rpk_qmi::kCtlResponse, h.txn, h.msg_id,
-                                     static_cast<uint16_t>(out.tlvs.size())});
-  std::copy(out.tlvs.begin(), out.tlvs.end(), reply.begin() + rpk_qmi::kHeaderLen);
-  out.corrupt.apply(reply);
-  const AfterReply after = out.after;
-  auto answer = [this, conn, reply = std::move(reply), after] {
-    host_.after_reply(after);  // first: it keeps new clients out
-    host_.send_packet(conn, reply);
+  send_response(host_, conn, h, out.tlvs, out.delay_ms, out.after, &out.corrupt);
+}
+
+bool welcome_client(EndpointHost &host, uint32_t service, uint64_t conn) {
+  // No request was made before a refusal, so the journal has nothing to say.
+  if (host.faults().refuses_client(service)) return false;
+  std::vector<uint8_t> welcome(rpk_qmi::kHeaderLen);
+  rpk_qmi::put_header(welcome.data(), {rpk_qmi::kCtlWelcome, 0, 0, 0});
+  host.send_packet(conn, welcome);
+  return true;
+}
+
+bool take_request(EndpointHost &host, std::span<const uint8_t> packet, nlohmann::json &entry,
+                  rpk_qmi::Header *h) {
+  entry["wire"] = to_hex(packet.data(), packet.size());
+  if (!rpk_qmi::parse_header(packet.data(), packet.size(), h) || h->ctl != rpk_qmi::kCtlRequest) {
+    entry["error"] = "malformed packet";
+    host.journal().append(entry);
+    return false;
+  }
+  entry["txn"] = h->txn;
+  return true;
+}
+
+void send_response(EndpointHost &host, uint64_t conn, const rpk_qmi::Header &req,
+                   std::span<const uint8_t> body, uint32_t delay_ms, AfterReply after,
+                   const Corruption *corrupt) {
+  std::vector<uint8_t> reply(rpk_qmi::kHeaderLen);
+  rpk_qmi::put_header(reply.data(), {rpk_qmi::kCtlResponse, req.txn, req.msg_id,
+                                     static_cast<uint16_t>(body.size())});
+  reply.insert(reply.end(), body.begin(), body.end());
+  if (corrupt != nullptr) corrupt->apply(reply);
+  auto answer = [&host, conn, reply = std::move(reply), after] {
+    host.after_reply(after);  // first: it keeps new clients out
+    host.send_packet(conn, reply);
   };
-  if (out.delay_ms == 0) {
+  if (delay_ms == 0) {
     answer();
   } else {
-    host_.after(std::chrono::milliseconds(out.delay_ms), std::move(answer));
+    host.after(std::chrono::milliseconds(delay_ms), std::move(answer));
   }
 }
 

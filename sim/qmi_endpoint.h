@@ -5,8 +5,27 @@
 #pragma once
 
 #include "endpoint.h"
+#include "faults.h"
+#include "platform/host/link/qmi_host_transport.h"
 
 namespace rpk_sim {
+
+// What every endpoint with the QMI wire form does (the QMI services and the
+// modem API's statistics endpoint).
+//
+// A new connection: refused under the refuse-init fault of `service` (closed
+// before the welcome, so the client's init fails), else welcomed.
+bool welcome_client(EndpointHost &host, uint32_t service, uint64_t conn);
+// Reads a request's header into *h. A packet that is not a request is
+// journalled with `entry` (which already names the service and client) and
+// false is returned. `entry` gains "wire" and "txn".
+bool take_request(EndpointHost &host, std::span<const uint8_t> packet, nlohmann::json &entry,
+                  rpk_qmi::Header *h);
+// Answers request `req` with `body` (damaged by `corrupt` when given),
+// `delay_ms` late; `after` takes its effect just before the answer goes out.
+void send_response(EndpointHost &host, uint64_t conn, const rpk_qmi::Header &req,
+                   std::span<const uint8_t> body, uint32_t delay_ms,
+                   AfterReply after = AfterReply::kNothing, const Corruption *corrupt = nullptr);
 
 class QmiServiceEndpoint : public Endpoint {
  public:

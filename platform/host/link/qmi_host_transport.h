@@ -47,8 +47,11 @@ enum class Join {
   kSilent,        // no welcome within the wait
 };
 
-// Connects to a service's socket and waits up to wait_ms for its welcome.
+// Connects to the socket at `path` and waits up to wait_ms for its welcome.
 // *fd is the connection when kJoined, else -1 (nothing is left open).
+Join join_socket(const std::string &path, int wait_ms, int *fd);
+
+// join_socket on a QMI service's socket.
 Join join_service(uint32_t service_id, int wait_ms, int *fd);
 
 }  // namespace rpk_qmi
