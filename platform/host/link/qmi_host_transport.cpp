@@ -39,8 +39,11 @@ std::string service_socket_path(uint32_t service_id) {
 }
 
 Join join_service(uint32_t service_id, int wait_ms, int *fd) {
+  return join_socket(service_socket_path(service_id), wait_ms, fd);
+}
+
+Join join_socket(const std::string &path, int wait_ms, int *fd) {
   *fd = -1;
-  const std::string path = service_socket_path(service_id);
   sockaddr_un addr{};
   addr.sun_family = AF_UNIX;
   if (path.size() >= sizeof addr.sun_path) return Join::kNotListening;

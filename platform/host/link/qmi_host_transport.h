@@ -50,5 +50,8 @@ enum class Join {
 // Connects to a service's socket and waits up to wait_ms for its welcome.
 // *fd is the connection when kJoined, else -1 (nothing is left open).
 Join join_service(uint32_t service_id, int wait_ms, int *fd);
+// The same for any endpoint socket of the simulated modem that welcomes its
+// connections the same way (the diag channel).
+Join join_socket(const std::string &path, int wait_ms, int *fd);
 
 }  // namespace rpk_qmi
