@@ -16,6 +16,7 @@
 #include <fstream>
 
 #include "control_link.h"
+#include "diag_endpoint.h"
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "platform/host/link/rpk_host.h"
@@ -100,6 +101,7 @@ Daemon::Daemon(std::string state_dir)
   endpoints_.push_back({std::make_unique<ControlEndpoint>(*this)});
   endpoints_.push_back({std::make_unique<QmiServiceEndpoint>(*this, kExtendQmiServiceId)});
   endpoints_.push_back({std::make_unique<QmiServiceEndpoint>(*this, kSarServiceId)});
+  endpoints_.push_back({std::make_unique<DiagEndpoint>(*this)});
 }
 
 Daemon::~Daemon() {

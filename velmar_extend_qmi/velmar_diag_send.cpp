@@ -103,12 +103,6 @@ const char *proc_label(int32_t proc) {
   }
 }
 
-void wait_for_previous_wait_thread() {
-  WaitThreadState &s = wait_thread_state();
-  std::unique_lock<std::mutex> lock(s.mu);
-  s.cv.wait(lock, [&s] { return !s.running; });
-}
-
 // A new send starts from an empty collected response.
 void forget_collected_response() {
   std::lock_guard<std::mutex> lock(g_diag_rsp_mutex);
@@ -481,6 +475,12 @@ void velmar_diag_cmd_response_by_dci_event_stream(unsigned char *ptr, int len) {
   VELMAR_LOG_LN("function exit <-------------");
 }
 
+void velmar_diag_wait_for_wait_thread() {
+  WaitThreadState &s = wait_thread_state();
+  std::unique_lock<std::mutex> lock(s.mu);
+  s.cv.wait(lock, [&s] { return !s.running; });
+}
+
 void velmar_diag_cmd_send_with_result_wait_create_thread() {
   VELMAR_LOG_LN("function entry ------------->");
   {
@@ -548,7 +548,7 @@ int velmar_diag_cmd_send_with_result_by_callback_mode(const uint8_t *data, int32
   } else if (velmar_diag_comand_output_check(reply_buf, p_reply_len) != 0) {
     VELMAR_LOG_LN("velmar_diag_comand_output_check fail");
   } else {
-    wait_for_previous_wait_thread();
+    velmar_diag_wait_for_wait_thread();
     forget_collected_response();
     const int32_t capacity = *p_reply_len;
     velmar_diag_init_with_result();
@@ -588,7 +588,7 @@ int velmar_diag_cmd_send_with_result_by_dci_mode(const uint8_t *data, int32_t da
   } else if (velmar_diag_comand_output_check(reply_buf, p_reply_len) != 0) {
     VELMAR_LOG_LN("velmar_diag_comand_output_check fail");
   } else {
-    wait_for_previous_wait_thread();
+    velmar_diag_wait_for_wait_thread();
     forget_collected_response();
     const int32_t capacity = *p_reply_len;
     velmar_diag_init_with_result();
