@@ -298,8 +298,10 @@ void DiagEndpoint::on_raw_request(uint64_t conn, uint8_t type, uint8_t proc, uin
 
   const FaultEffect fx = host_.faults().on_request(kDiagServiceId, -1);
   if (fx.drop) {
+    // The request was taken; no response follows.
     entry["fault"] = "drop";
     host_.journal().append(entry);
+    if (dci) reply(conn, rpk_diag::kAnswer | type, 0, 0, tag, i32_bytes(kDciNoError));
     return;
   }
   Bytes response = fx.error ? error_answer(static_cast<uint8_t>(fx.error_code), body, n)

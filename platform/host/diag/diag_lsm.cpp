@@ -30,7 +30,7 @@ using Bytes = std::vector<uint8_t>;
 
 // The daemon answers at once; these only bound a hung one.
 constexpr int kWelcomeWaitMs = 10000;
-constexpr auto kAnswerWait = std::chrono::seconds(5);
+constexpr auto kAnswerWait = std::chrono::seconds(2);
 constexpr int kMaxProc = 16;
 constexpr int kMaxDciRequest = 16384;
 
