@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <string>
 
+#include "common/velmar_console.h"
 #include "common/velmar_log.h"
 #include "front/velmar_cmd_ids.h"
 #include "front/velmar_handlers.h"
 #include "front/velmar_help.h"
-#include "common/velmar_console.h"
 #include "velmar_extend_qmi/velmar_diag_send.h"
 #include "velmar_extend_qmi/velmar_extend_cmn.h"
 

@@ -86,7 +86,8 @@ class ControlEndpoint : public Endpoint {
                                 ? daemon_.control(command)
                                 : nlohmann::json{{"ok", false}, {"error", "not a JSON object"}};
     const std::string text = dump_json(answer);
-    daemon_.send_packet(conn, std::span(reinterpret_cast<const uint8_t *>(text.data()), text.size()));
+    daemon_.send_packet(conn,
+                        std::span(reinterpret_cast<const uint8_t *>(text.data()), text.size()));
     daemon_.close_conn(conn);
   }
 

@@ -57,9 +57,8 @@ struct DiagServiceName {
   const char *name;
 };
 constexpr DiagServiceName kDiagServices[] = {
-    {kDiagServiceId, "diag"},         {kDciRegisterId, "dci-register"},
-    {kDciSignalId, "dci-signal"},     {kDciSupportId, "dci-support"},
-    {kDciStreamId, "dci-stream"},     {kDciSendId, "dci-send"},
+    {kDiagServiceId, "diag"},       {kDciRegisterId, "dci-register"}, {kDciSignalId, "dci-signal"},
+    {kDciSupportId, "dci-support"}, {kDciStreamId, "dci-stream"},     {kDciSendId, "dci-send"},
 };
 
 Bytes error_answer(uint8_t code, const uint8_t *req, size_t n) {
@@ -109,7 +108,8 @@ Bytes ext_build_id_answer() {
   for (uint32_t w : words) {
     for (int i = 0; i < 4; ++i) out.push_back(static_cast<uint8_t>(w >> (8 * i)));
   }
-  for (const char *s : {"RPKSIM.MPSS.1.0", "rpk-modem-sim"}) out.insert(out.end(), s, s + strlen(s) + 1);
+  for (const char *s : {"RPKSIM.MPSS.1.0", "rpk-modem-sim"})
+    out.insert(out.end(), s, s + strlen(s) + 1);
   return out;
 }
 
@@ -304,8 +304,8 @@ void DiagEndpoint::on_raw_request(uint64_t conn, uint8_t type, uint8_t proc, uin
     if (dci) reply(conn, rpk_diag::kAnswer | type, 0, 0, tag, i32_bytes(kDciNoError));
     return;
   }
-  Bytes response = fx.error ? error_answer(static_cast<uint8_t>(fx.error_code), body, n)
-                            : answer_for(body, n);
+  Bytes response =
+      fx.error ? error_answer(static_cast<uint8_t>(fx.error_code), body, n) : answer_for(body, n);
   if (fx.error) entry["fault"] = "error";
   entry["response"] = to_hex(response.data(), response.size());
   entry["response_len"] = response.size();
@@ -332,8 +332,8 @@ void DiagEndpoint::on_raw_request(uint64_t conn, uint8_t type, uint8_t proc, uin
   auto send = [this, conn, dci, proc, tag, pieces = std::move(pieces)] {
     for (size_t i = 0; i < pieces.size(); ++i) {
       if (dci) {
-        reply(conn, rpk_diag::kDciPiece, 0, i + 1 == pieces.size() ? rpk_diag::kFlagLast : 0,
-              tag, pieces[i]);
+        reply(conn, rpk_diag::kDciPiece, 0, i + 1 == pieces.size() ? rpk_diag::kFlagLast : 0, tag,
+              pieces[i]);
       } else {
         reply(conn, rpk_diag::kCallbackRsp, proc, 0, 0, pieces[i]);
       }
@@ -411,8 +411,8 @@ std::optional<json> DiagEndpoint::control(const json &command) {
         !parse_hex(command["response"].get<std::string>(), &a.response) || a.response.empty()) {
       return fail("diag answer needs a request prefix and a response, in hex");
     }
-    if (command.contains("size") && (!json_u32(command, "size", &size) || size == 0 ||
-                                     size > kMaxAnswer)) {
+    if (command.contains("size") &&
+        (!json_u32(command, "size", &size) || size == 0 || size > kMaxAnswer)) {
       return fail("diag answer --size must be 1 to 65536");
     }
     if (size > 0) {

@@ -25,7 +25,7 @@ inline constexpr uint32_t kDciSendId = 0x10005;
 
 // Whether an id is the diag channel's, and its name for `--service`.
 bool diag_owns_service(uint32_t id);
-const char *diag_service_name(uint32_t id);  // nullptr when not a diag id
+const char *diag_service_name(uint32_t id);              // nullptr when not a diag id
 uint32_t diag_service_by_name(const std::string &name);  // 0 when unknown
 
 // The modem's answer to one raw diag request (without any scripted answer).

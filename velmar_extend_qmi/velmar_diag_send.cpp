@@ -6,10 +6,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <condition_variable>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <condition_variable>
 #include <cstring>
 #include <iterator>
 #include <mutex>
@@ -63,13 +63,15 @@ std::atomic<uint8_t> g_diag_waiting{0};
 std::atomic<int32_t> g_diag_wait_timeout{0};
 pthread_t g_diag_wait_thread;
 
-// The wait thread of the previous send may still tick (up to 100 ms) and
-// post once more; the next send waits for it so that post cannot end the
-// next wait early. Never destroyed: a detached thread may use it at exit.
+// The wait thread of a send may still tick (up to 100 ms) after its sender
+// returned. Each send starts a new generation, and a wait thread acts (sets
+// the time-out flag, posts) only for its own, so a late one cannot end the
+// next send's wait. Never destroyed: a detached thread may use it at exit.
 struct WaitThreadState {
-  std::mutex mu;
+  std::mutex mu;  // also makes a thread's check-and-post one step
   std::condition_variable_any cv;
-  bool running = false;
+  uint64_t generation = 0;
+  int running = 0;
 };
 WaitThreadState &wait_thread_state() {
   static auto *s = new WaitThreadState;
@@ -103,8 +105,14 @@ const char *proc_label(int32_t proc) {
   }
 }
 
-// A new send starts from an empty collected response.
-void forget_collected_response() {
+// A new send starts from an empty collected response, in a new generation
+// of wait threads.
+void start_new_send() {
+  {
+    WaitThreadState &s = wait_thread_state();
+    std::lock_guard<std::mutex> lock(s.mu);
+    ++s.generation;
+  }
   std::lock_guard<std::mutex> lock(g_diag_rsp_mutex);
   free(g_qcril_diag_rsp_buf.data);
   g_qcril_diag_rsp_buf.data = nullptr;
@@ -128,7 +136,8 @@ int wait_and_copy(const char *fn, uint8_t *reply_buf, int32_t *p_reply_len, int3
                    n, collected, capacity);
     *p_reply_len = n;
     if (n >= 1 && g_qcril_diag_rsp_buf.data != nullptr) {
-      memcpy(reply_buf, g_qcril_diag_rsp_buf.data, static_cast<size_t>(n < kDiagRspMax ? n : kDiagRspMax));
+      memcpy(reply_buf, g_qcril_diag_rsp_buf.data,
+             static_cast<size_t>(n < kDiagRspMax ? n : kDiagRspMax));
     }
   }
   if (g_diag_wait_timeout == 1) {
@@ -200,8 +209,8 @@ DciReached dci_setup(const char *fn, DciExchange &x, const uint8_t *req, int32_t
   VELMAR_LOGF_LN(fn, "Opening Data Stream, registering listeners for ch:%d", g_diag_channel);
   err = diag_register_dci_stream_proc(x.client_id, h.log, h.event);
   if (err != DIAG_DCI_NO_ERROR) {
-    VELMAR_LOGF_LN(fn, "Unable to register DCI stream for ch:%d, err: %d, errno: %d", g_diag_channel,
-                   err, errno);
+    VELMAR_LOGF_LN(fn, "Unable to register DCI stream for ch:%d, err: %d, errno: %d",
+                   g_diag_channel, err, errno);
     return DciReached::kFailed;
   }
   VELMAR_LOGF_LN(fn, "Sending Asynchronous Command for ch:%d", g_diag_channel);
@@ -301,8 +310,8 @@ void velmar_diag_deinit_with_result() {
 }
 
 void velmar_print_diag_mask_name(uint16_t mask) {
-  static constexpr const char *kNames[] = {" APSS",    " MPSS",     " LPASS",
-                                           " WCNSS",   " SENSORS",  " WDSP"};
+  static constexpr const char *kNames[] = {" APSS",  " MPSS",    " LPASS",
+                                           " WCNSS", " SENSORS", " WDSP"};
   memset(g_diag_mask_name, 0, sizeof g_diag_mask_name);
   // Only the lowest set bit is named, to keep the line short.
   for (unsigned bit = 0; bit < std::size(kNames); ++bit) {
@@ -325,8 +334,9 @@ void velmar_diag_register_callback(int (*callback)(unsigned char *, int, void *)
     memset(g_diag_channel_name, 0, sizeof g_diag_channel_name);
     strncpy(g_diag_channel_name, proc_label(g_diag_channel), sizeof g_diag_channel_name - 1);
     velmar_print_diag_mask_name(remote_mask);
-    VELMAR_LOG_LN("register call back, g_diag_channel = [%d]%s, data_primary = %d, remote_mask = [%d]%s",
-                  g_diag_channel, g_diag_channel_name, data_primary, remote_mask, g_diag_mask_name);
+    VELMAR_LOG_LN(
+        "register call back, g_diag_channel = [%d]%s, data_primary = %d, remote_mask = [%d]%s",
+        g_diag_channel, g_diag_channel_name, data_primary, remote_mask, g_diag_mask_name);
   }
   // Bit k of the mask is remote processor k + 1.
   for (uint32_t bits = remote_mask, proc = 1; bits != 0; bits >>= 1, ++proc) {
@@ -478,34 +488,42 @@ void velmar_diag_cmd_response_by_dci_event_stream(unsigned char *ptr, int len) {
 void velmar_diag_wait_for_wait_thread() {
   WaitThreadState &s = wait_thread_state();
   std::unique_lock<std::mutex> lock(s.mu);
-  s.cv.wait(lock, [&s] { return !s.running; });
+  s.cv.wait(lock, [&s] { return s.running == 0; });
 }
 
 void velmar_diag_cmd_send_with_result_wait_create_thread() {
   VELMAR_LOG_LN("function entry ------------->");
+  WaitThreadState &s = wait_thread_state();
+  uintptr_t generation;
   {
-    WaitThreadState &s = wait_thread_state();
     std::lock_guard<std::mutex> lock(s.mu);
-    s.running = true;
+    ++s.running;
+    generation = s.generation;
   }
   pthread_attr_t attr;
   pthread_attr_init(&attr);
   pthread_attr_setdetachstate(&attr, PTHREAD_CREATE_DETACHED);
-  const int conf = pthread_create(&g_diag_wait_thread, &attr,
-                                  velmar_diag_cmd_send_with_result_wait_thread_proc, nullptr);
+  const int conf =
+      pthread_create(&g_diag_wait_thread, &attr, velmar_diag_cmd_send_with_result_wait_thread_proc,
+                     reinterpret_cast<void *>(generation));
   pthread_attr_destroy(&attr);
   if (conf != 0) {
-    WaitThreadState &s = wait_thread_state();
     std::lock_guard<std::mutex> lock(s.mu);
-    s.running = false;
+    --s.running;
   }
   VELMAR_LOG_LN("velmar daig is created, conf = %d", conf);
   VELMAR_LOG_LN("function exit <-------------");
 }
 
-void *velmar_diag_cmd_send_with_result_wait_thread_proc(void *) {
+void *velmar_diag_cmd_send_with_result_wait_thread_proc(void *param) {
   name_this_thread();
   VELMAR_LOG_LN("function entry ------------->");
+  WaitThreadState &s = wait_thread_state();
+  const auto generation = reinterpret_cast<uintptr_t>(param);
+  auto own_send = [&s, generation] {
+    std::lock_guard<std::mutex> lock(s.mu);
+    return s.generation == generation;
+  };
   int32_t cnt_of_100ms = 0;
   bool waiting = false;
   int32_t limit = 0;
@@ -516,10 +534,13 @@ void *velmar_diag_cmd_send_with_result_wait_thread_proc(void *) {
                   cnt_of_100ms);
     waiting = g_diag_waiting == 1;
     limit = g_diag_wait_limit_100ms;
-  } while (waiting && cnt_of_100ms < limit);
+  } while (waiting && cnt_of_100ms < limit && own_send());
 
-  const int32_t collected = g_qcril_diag_rsp_buf.length;
-  if (collected != 0 && (collected & (kPieceSize - 1)) == 0) {
+  std::unique_lock<std::mutex> lock(s.mu);
+  if (s.generation != generation) {
+    // A later send owns the flags and the semaphore now.
+  } else if (const int32_t collected = g_qcril_diag_rsp_buf.length;
+             collected != 0 && (collected & (kPieceSize - 1)) == 0) {
     // A response made only of 4096-byte pieces never gets a short last piece.
     VELMAR_LOG_LN("stop waiting, receive success, length is times of 4096");
     sem_post(&g_diag_rsp_sem);
@@ -529,11 +550,10 @@ void *velmar_diag_cmd_send_with_result_wait_thread_proc(void *) {
     g_diag_wait_timeout = 1;
     sem_post(&g_diag_rsp_sem);
   }
-  VELMAR_LOG_LN("function exit <-------------");
-  WaitThreadState &s = wait_thread_state();
-  std::lock_guard<std::mutex> lock(s.mu);
-  s.running = false;
+  --s.running;
   s.cv.notify_all();
+  lock.unlock();
+  VELMAR_LOG_LN("function exit <-------------");
   return nullptr;
 }
 
@@ -548,14 +568,12 @@ int velmar_diag_cmd_send_with_result_by_callback_mode(const uint8_t *data, int32
   } else if (velmar_diag_comand_output_check(reply_buf, p_reply_len) != 0) {
     VELMAR_LOG_LN("velmar_diag_comand_output_check fail");
   } else {
-    velmar_diag_wait_for_wait_thread();
-    forget_collected_response();
+    start_new_send();
     const int32_t capacity = *p_reply_len;
     velmar_diag_init_with_result();
     velmar_diag_register_callback(velmar_diag_cmd_response_by_callback);
     diag_switch_logging(CALLBACK_MODE, nullptr);
-    const int ret_send =
-        diag_callback_send_data(MSM, const_cast<unsigned char *>(data), data_len);
+    const int ret_send = diag_callback_send_data(MSM, const_cast<unsigned char *>(data), data_len);
     VELMAR_LOG_LN("ret_send = %d, will wait callback", ret_send);
     if (ret_send != 0) {
       VELMAR_LOG_LN("Fail to send diag cmd");
@@ -588,8 +606,7 @@ int velmar_diag_cmd_send_with_result_by_dci_mode(const uint8_t *data, int32_t da
   } else if (velmar_diag_comand_output_check(reply_buf, p_reply_len) != 0) {
     VELMAR_LOG_LN("velmar_diag_comand_output_check fail");
   } else {
-    velmar_diag_wait_for_wait_thread();
-    forget_collected_response();
+    start_new_send();
     const int32_t capacity = *p_reply_len;
     velmar_diag_init_with_result();
     DciExchange x;
@@ -738,11 +755,11 @@ void *velmar_diag_cmd_send_without_result_by_dci_mode_thread_proc(void *param) {
         VELMAR_LOG_LN("LSM init failed");
       } else {
         DciExchange x;
-        const DciReached reached = dci_setup(
-            __func__, x, copy + kCopyHeader, data_len,
-            {velmar_diag_cmd_response_by_dci_log_stream_no_handle,
-             velmar_diag_cmd_response_by_dci_event_stream_no_handle,
-             velmar_diag_cmd_response_by_dci_no_handle});
+        const DciReached reached =
+            dci_setup(__func__, x, copy + kCopyHeader, data_len,
+                      {velmar_diag_cmd_response_by_dci_log_stream_no_handle,
+                       velmar_diag_cmd_response_by_dci_event_stream_no_handle,
+                       velmar_diag_cmd_response_by_dci_no_handle});
         // The time the modem is given to answer; the answer is only logged.
         if (reached == DciReached::kSent) sleep(kDciAnswerS);
         dci_teardown(__func__, x, reached, close_library);

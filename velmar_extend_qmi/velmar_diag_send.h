@@ -80,8 +80,9 @@ void velmar_diag_cmd_response_by_dci_event_stream(unsigned char *ptr, int len);
 // sender stops waiting or the limit is reached, then ends the wait: success
 // when the collected length is a whole multiple of 4096, else a time-out.
 void velmar_diag_cmd_send_with_result_wait_create_thread();
-// Blocks until the wait thread of the last with-result send has ended (at
-// most one tick after that send returned). The next send does this itself.
+// Blocks until every wait thread has ended (each ends at most one tick after
+// its send returned). A wait thread acts only for its own send, so a new send
+// need not wait.
 void velmar_diag_wait_for_wait_thread();
 void *velmar_diag_cmd_send_with_result_wait_thread_proc(void *);
 

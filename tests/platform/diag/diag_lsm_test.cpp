@@ -152,8 +152,11 @@ TEST_F(DiagLsm, FaultsOfEachDciCall) {
   const struct {
     const char *service;
     int code;
-  } cases[] = {{"dci-register", 1009}, {"dci-signal", 1006}, {"dci-support", 1003},
-               {"dci-stream", 1007},   {"dci-send", 1006}};
+  } cases[] = {{"dci-register", 1009},
+               {"dci-signal", 1006},
+               {"dci-support", 1003},
+               {"dci-stream", 1007},
+               {"dci-send", 1006}};
   ASSERT_EQ(Diag_LSM_Init(nullptr), 1);
   for (const auto &c : cases) {
     ASSERT_EQ(sim("fault clear"), 0);
@@ -198,8 +201,8 @@ TEST(DiagModemAnswers, BuiltinCommands) {
       {{0x7C}, {}, 42},
       {{0x4B, 0x04, 0x0E, 0x00, 0x01}, {0x4B, 0x04, 0x0E, 0x00, 0x01}, 5},  // echoed
       {{0x4B, 0x77, 0x00, 0x00}, {0x13, 0x4B, 0x77, 0x00, 0x00}, 5},        // unknown subsystem
-      {{0x4B, 0x04}, {0x15, 0x4B, 0x04}, 3},                               // too short
-      {{0x1C, 0x01}, {0x14, 0x1C, 0x01}, 3},                               // no parameters taken
+      {{0x4B, 0x04}, {0x15, 0x4B, 0x04}, 3},                                // too short
+      {{0x1C, 0x01}, {0x14, 0x1C, 0x01}, 3},                                // no parameters taken
       {{0xEE}, {0x13, 0xEE}, 2},
       {Bytes(20, 0xEE), {}, 17},  // at most 16 request bytes come back
   };

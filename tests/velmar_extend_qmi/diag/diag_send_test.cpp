@@ -39,9 +39,8 @@ Sent send_with_result(Mode mode, std::vector<uint8_t> req, int32_t time_out) {
   int32_t len = 10240;
   s.out = mask_log_lines(capture_stdout([&] {
     s.rc = mode == Mode::kCallback
-               ? velmar_diag_cmd_send_with_result_by_callback_mode(req.data(),
-                                                                   static_cast<int32_t>(req.size()),
-                                                                   s.reply.data(), &len, time_out)
+               ? velmar_diag_cmd_send_with_result_by_callback_mode(
+                     req.data(), static_cast<int32_t>(req.size()), s.reply.data(), &len, time_out)
                : velmar_diag_cmd_send_with_result_by_dci_mode(
                      req.data(), static_cast<int32_t>(req.size()), s.reply.data(), &len, time_out);
   }));
@@ -145,8 +144,8 @@ TEST_F(DiagSend, ResponseSizesAndPieces) {
       {Mode::kCallback, {fake_response(10241)}, 1, 0},  // refused by the check: time-out
       {Mode::kCallback, {fake_response(12000)}, 1, 0},
       {Mode::kDci, {fake_response(1)}, 0, 1},
-      {Mode::kDci, fake_pieces(4196, 4096), 0, 4196},   // the short piece posts
-      {Mode::kDci, fake_pieces(8192, 4096), 0, 8192},   // success by the length rule
+      {Mode::kDci, fake_pieces(4196, 4096), 0, 4196},  // the short piece posts
+      {Mode::kDci, fake_pieces(8192, 4096), 0, 8192},  // success by the length rule
       {Mode::kDci, {fake_response(4096)}, 0, 4096},
       {Mode::kDci, fake_pieces(10240, 4096), 0, 10240},
       {Mode::kDci, fake_pieces(10241, 4096), 0, 10240},  // cut to the capacity
@@ -166,9 +165,10 @@ TEST_F(DiagSend, ResponseSizesAndPieces) {
     EXPECT_TRUE(std::equal(s.reply.begin(), s.reply.end(), whole.begin())) << what;
     const bool by_length = c.pieces.size() > 0 && total % 4096 == 0 && c.mode == Mode::kDci;
     EXPECT_EQ(s.out.find("length is times of 4096") != std::string::npos, by_length) << what;
-    EXPECT_EQ(s.out.find("RIL[velmar_diag_cmd_send_with_result_wait_thread_proc:N]: stop waiting\n") !=
-                  std::string::npos,
-              c.rc != 0)
+    EXPECT_EQ(
+        s.out.find("RIL[velmar_diag_cmd_send_with_result_wait_thread_proc:N]: stop waiting\n") !=
+            std::string::npos,
+        c.rc != 0)
         << what;
   }
 }
@@ -185,8 +185,9 @@ TEST_F(DiagSend, RequestLengths) {
       const Sent s = send_with_result(mode, req, 3000);
       EXPECT_EQ(s.rc, c.rc) << c.len;
       if (c.rc != 0) {
-        EXPECT_THAT(s.out, HasSubstr("Invalid input parameter, data_len = " +
-                                     std::to_string(c.len) + "\n"));
+        EXPECT_THAT(
+            s.out,
+            HasSubstr("Invalid input parameter, data_len = " + std::to_string(c.len) + "\n"));
         EXPECT_THAT(s.out, HasSubstr("velmar_diag_comand_param_check fail\n"));
         EXPECT_TRUE(fake_diag_calls().empty());
       } else {
@@ -225,14 +226,20 @@ TEST_F(DiagSend, DciSetupFailuresTearDownInOrder) {
     std::string line;
     Calls calls;
   } cases[] = {
-      {&FakeDiag::register_rc, "Could not register with DCI, err: 1002, errno: ", {"init", "register_dci", "deinit"}},
-      {&FakeDiag::signal_rc, "Could not register signal for DCI Data for ch:0, err: 1002",
+      {&FakeDiag::register_rc,
+       "Could not register with DCI, err: 1002, errno: ",
+       {"init", "register_dci", "deinit"}},
+      {&FakeDiag::signal_rc,
+       "Could not register signal for DCI Data for ch:0, err: 1002",
        {"init", "register_dci", "signal 7", "deinit", "release 7"}},
-      {&FakeDiag::support_rc, "Could not get support list for ch 0, err: 1002",
+      {&FakeDiag::support_rc,
+       "Could not get support list for ch 0, err: 1002",
        {"init", "register_dci", "signal 7", "support", "deinit", "release 7"}},
-      {&FakeDiag::stream_rc, "Unable to register DCI stream for ch:0, err: 1002",
+      {&FakeDiag::stream_rc,
+       "Unable to register DCI stream for ch:0, err: 1002",
        {"init", "register_dci", "signal 7", "support", "stream", "deinit", "release 7"}},
-      {&FakeDiag::async_rc, "Error sending SEND_REQUEST_ASYNC to peripheral 1002 for ch:0",
+      {&FakeDiag::async_rc,
+       "Error sending SEND_REQUEST_ASYNC to peripheral 1002 for ch:0",
        {"init", "register_dci", "signal 7", "support", "stream", "async 16384", "deinit",
         "release 7"}},
   };
@@ -312,9 +319,7 @@ TEST_F(DiagSend, CommandLine) {
       {{"rpk", "5", "0", "2", "9", "3000", "0x1C"},
        0,
        {"dci mode without result\n", "\ndone without rsp data\n"}},
-      {too_many,
-       1,
-       {"Invalid input parameter, data_len = 4097\n", "velmar_diag_cmd_send fail\n"}},
+      {too_many, 1, {"Invalid input parameter, data_len = 4097\n", "velmar_diag_cmd_send fail\n"}},
   };
   for (const auto &c : cases) {
     fake_diag_reset().pieces = {fake_response(3)};
