@@ -6,6 +6,8 @@
 // other threads never tear.
 #pragma once
 
+#include <cstdio>
+
 inline constexpr const char *VELMAR_LOG_TAG = "RPK_SHELL";
 
 void velmar_log_line(const char *file, int line, const char *function, const char *fmt, ...)
@@ -16,10 +18,13 @@ void velmar_log_line(const char *file, int line, const char *function, const cha
 #define VELMAR_LOGF(function, ...) velmar_log_line(__FILE__, __LINE__, (function), __VA_ARGS__)
 #define VELMAR_LOG(...) VELMAR_LOGF(__func__, __VA_ARGS__)
 
-// The same, ending the console line.
+// The same, ending the console line. The line and its end are written under
+// the stream's lock, so lines of other threads never cut into it.
 #define VELMAR_LOGF_LN(function, ...)   \
   do {                                  \
+    flockfile(stdout);                  \
     VELMAR_LOGF(function, __VA_ARGS__); \
     putchar('\n');                      \
+    funlockfile(stdout);                \
   } while (0)
 #define VELMAR_LOG_LN(...) VELMAR_LOGF_LN(__func__, __VA_ARGS__)

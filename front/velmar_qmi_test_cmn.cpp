@@ -6,18 +6,90 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
+#include "common/velmar_console.h"
 #include "common/velmar_log.h"
 #include "common/velmar_status.h"
 #include "front/velmar_cmd_ids.h"
 #include "front/velmar_handlers.h"
 #include "front/velmar_help.h"
+#include "velmar_extend_qmi/velmar_diag_send.h"
 #include "velmar_extend_qmi/velmar_extend_cmn.h"
 #include "velmar_extend_qmi/velmar_extend_nvefs.h"
 
 // ---- sub-operation 0: the raw diag command ---------------------------------
 
-int32_t velmar_cmn_diag_cmd_send(int /*argc*/, char ** /*argv*/) { return 1; }
+namespace {
+
+constexpr int kDiagCmdFirstByteArg = 6;  // argv: rpk 5 0 mode type time_out bytes...
+constexpr int32_t kDiagCmdReqSize = 4096;
+constexpr int32_t kDiagCmdReplySize = 10240;
+
+// The answer as one write: the diag library's threads log while it is shown.
+void print_diag_reply(const uint8_t *reply, int32_t reply_len) {
+  std::string text = "\nrsp data len(" + std::to_string(reply_len) + ")\nrsp data:";
+  char item[8];
+  for (int32_t i = 0; i < reply_len; ++i) {
+    snprintf(item, sizeof item, " 0x%02X", reply[i]);
+    text += item;
+  }
+  text += '\n';
+  fputs(text.c_str(), stdout);
+}
+
+}  // namespace
+
+int32_t velmar_cmn_diag_cmd_send(int argc, char **argv) {
+  uint8_t req[kDiagCmdReqSize] = {};
+  uint8_t reply[kDiagCmdReplySize] = {};
+  int32_t reply_len = kDiagCmdReplySize;
+  VELMAR_LOG_LN("function entry ------------->");
+  if (argc <= kDiagCmdFirstByteArg) {
+    // Result 0 on purpose: the note stands alone, without the help.
+    puts("\nnote: Too few inputs, Pls refer to the following cmd:");
+    return 0;
+  }
+  const int32_t mode = atoi(argv[3]);
+  const int32_t type = atoi(argv[4]);
+  const int32_t time_out = atoi(argv[5]);
+  puts("diag cmd:");
+  // More than 4096 typed bytes are not stored, but the count goes on so that
+  // the transport refuses the request.
+  const int32_t n = argc - kDiagCmdFirstByteArg;
+  for (int32_t i = 0; i < n && i < kDiagCmdReqSize; ++i) {
+    req[i] = static_cast<uint8_t>(velmar_string_to_int(argv[kDiagCmdFirstByteArg + i]));
+    printf("0x%02X ", req[i]);
+  }
+  putchar('\n');
+
+  int rc;
+  if (mode == 0 && type == 0) {
+    puts("callback mode with result");
+    rc = velmar_diag_cmd_send_with_result_by_callback_mode(req, n, reply, &reply_len, time_out);
+  } else if (mode == 0) {
+    puts("callback mode without result");
+    rc = velmar_diag_cmd_send_without_result_start_thread(req, n, 0);
+  } else if (type == 0) {
+    puts("dci mode with result");
+    rc = velmar_diag_cmd_send_with_result_by_dci_mode(req, n, reply, &reply_len, time_out);
+  } else {
+    puts("dci mode without result");
+    rc = velmar_diag_cmd_send_without_result_start_thread(req, n, 1);
+  }
+
+  int32_t result = 0;
+  if (rc != 0) {
+    puts("velmar_diag_cmd_send fail");
+    result = 1;
+  } else if (type == 0) {
+    print_diag_reply(reply, reply_len);
+  } else {
+    fputs("\ndone without rsp data\n", stdout);
+  }
+  VELMAR_LOG_LN("function exit <-------------");
+  return result;
+}
 
 // ---- sub-operations 1 to 4: card status and type ---------------------------
 

@@ -80,7 +80,10 @@ bool Daemon::apply_fault(const json &j, std::string *error) {
   uint32_t service = 0;
   if (j.contains("service")) {
     service = parse_service(j["service"]);
-    if (find_service(service) == nullptr) {
+    const bool known = std::any_of(endpoints_.begin(), endpoints_.end(), [service](const auto &l) {
+      return l.endpoint->service_id() != 0 && l.endpoint->answers_for(service);
+    });
+    if (!known) {
       *error = "unknown service: " + dump_json(j["service"]);
       return false;
     }

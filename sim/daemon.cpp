@@ -17,6 +17,7 @@
 #include <fstream>
 
 #include "control_link.h"
+#include "diag_endpoint.h"
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "platform/host/link/rpk_host.h"
@@ -104,6 +105,7 @@ Daemon::Daemon(std::string state_dir)
   endpoints_.push_back({std::make_unique<QmiServiceEndpoint>(*this, kExtendQmiServiceId)});
   endpoints_.push_back({std::make_unique<QmiServiceEndpoint>(*this, kSarServiceId)});
   endpoints_.push_back({std::make_unique<StatsEndpoint>(*this)});
+  endpoints_.push_back({std::make_unique<DiagEndpoint>(*this)});
 }
 
 Daemon::~Daemon() {

@@ -51,6 +51,9 @@ class Endpoint {
   // The id faults and outages name it by (a QMI service id, or a host-only id
   // above 0xFFFF); 0 for the control interface, which never goes down.
   virtual uint32_t service_id() const = 0;
+  // Whether faults naming `id` are its own (an endpoint may answer to several
+  // ids, one per call it serves).
+  virtual bool answers_for(uint32_t id) const { return id == service_id(); }
   // Its name in `status` and in `--service NAME`.
   virtual std::string name() const = 0;
   // The socket file it listens at.

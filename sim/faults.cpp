@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "diag_endpoint.h"
 #include "modem_services.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "sim_text.h"
@@ -116,8 +117,8 @@ nlohmann::json Corruption::to_json() const {
   return j;
 }
 
-bool Faults::matches(const Fault &f, uint32_t service, int64_t request_id) {
-  return f.count != 0 && (f.service == 0 || f.service == service) &&
+bool Faults::matches(const Fault &f, uint32_t service, int64_t request_id, bool exact_service) {
+  return f.count != 0 && (f.service == service || (f.service == 0 && !exact_service)) &&
          (f.request_id < 0 || f.request_id == request_id);
 }
 
@@ -127,10 +128,12 @@ void Faults::drop_used_up() {
       faults_.end());
 }
 
-FaultEffect Faults::on_request(uint32_t service, int64_t request_id) {
+FaultEffect Faults::on_request(uint32_t service, int64_t request_id, bool exact_service) {
   FaultEffect effect;
   for (auto &f : faults_) {
-    if (f.kind == FaultKind::kRefuseInit || !matches(f, service, request_id)) continue;
+    if (f.kind == FaultKind::kRefuseInit || !matches(f, service, request_id, exact_service)) {
+      continue;
+    }
     switch (f.kind) {
       case FaultKind::kDelay:
         effect.delay_ms = std::max(effect.delay_ms, f.value);
@@ -205,6 +208,7 @@ uint32_t parse_service(const nlohmann::json &j) {
   if (s == "extend" || s == "extend_qmi") return kExtendQmiServiceId;
   if (s == "sar") return kSarServiceId;
   if (s == "stats") return kStatsServiceId;
+  if (const uint32_t diag = diag_service_by_name(s); diag != 0) return diag;
   try {
     size_t used = 0;
     unsigned long v = std::stoul(s, &used, 0);
@@ -218,6 +222,7 @@ std::string service_name(uint32_t service) {
   if (service == kExtendQmiServiceId) return "extend";
   if (service == kSarServiceId) return "sar";
   if (service == kStatsServiceId) return "stats";
+  if (const char *diag = diag_service_name(service); diag != nullptr) return diag;
   return std::to_string(service);
 }
 

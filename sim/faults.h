@@ -71,21 +71,24 @@ class Faults {
  public:
   void add(const Fault &f) { faults_.push_back(f); }
   void clear() { faults_.clear(); }
-  // Applies (and uses up) the faults matching a request.
-  FaultEffect on_request(uint32_t service, int64_t request_id);
+  // Applies (and uses up) the faults matching a request. With exact_service,
+  // only faults that name this service apply (not those for any service).
+  FaultEffect on_request(uint32_t service, int64_t request_id, bool exact_service = false);
   // Whether a new client of the service is refused (using up the fault).
   bool refuses_client(uint32_t service);
   nlohmann::json to_json() const;
 
  private:
-  static bool matches(const Fault &f, uint32_t service, int64_t request_id);
+  static bool matches(const Fault &f, uint32_t service, int64_t request_id,
+                      bool exact_service = false);
   void drop_used_up();
 
   std::vector<Fault> faults_;
 };
 
 // Service names of the control interface: "extend" (0xffe4), "sar" (0x11),
-// "stats" (the modem API's statistics endpoint), or a number. 0 when unknown.
+// "stats" (the modem API's statistics endpoint), the diag channel's names
+// ("diag", "dci-register", ...), or a number. 0 when unknown.
 uint32_t parse_service(const nlohmann::json &j);
 std::string service_name(uint32_t service);
 

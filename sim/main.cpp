@@ -45,6 +45,8 @@ constexpr char kUsage[] =
     "  fault stats-empty | stats-id N | stats-sub N | stats-count N [--count N]\n"
     "  stats set SUB ID [HEX...] | stats clear     pin a statistics record, or let go\n"
     "  indicate NUMBER [HEX...]                 send an Extend-QMI indication\n"
+    "  diag answer REQ_PREFIX_HEX RESPONSE_HEX [--size N] | diag answer clear\n"
+    "  diag set remote_mask|support_list HEX | diag set dci_piece N\n"
     "  journal [clear]                          print or clear the request journal\n";
 
 int usage() {
@@ -322,6 +324,32 @@ int cmd_indicate(const std::vector<std::string> &a) {
   return rc;
 }
 
+// diag answer PREFIX RESPONSE [--size N] | diag answer clear | diag set NAME VALUE
+int cmd_diag(const std::vector<std::string> &a) {
+  if (a.size() == 2 && a[0] == "answer" && a[1] == "clear") {
+    return ask_daemon({{"cmd", "diag_answer_clear"}});
+  }
+  if (a.size() >= 3 && a[0] == "answer") {
+    json command = {{"cmd", "diag_answer"}, {"prefix", a[1]}, {"response", a[2]}};
+    uint64_t size = 0;
+    if (a.size() == 5 && a[3] == "--size" && parse_number(a[4], &size)) {
+      command["size"] = size;
+    } else if (a.size() != 3) {
+      return usage();
+    }
+    return ask_daemon(command);
+  }
+  if (a.size() == 3 && a[0] == "set") {
+    // The masks are hexadecimal with or without 0x; the piece size is decimal.
+    uint64_t value = 0;
+    const bool hex = a[1] != "dci_piece";
+    const std::string text = hex && a[2].compare(0, 2, "0x") != 0 ? "0x" + a[2] : a[2];
+    if (!parse_number(text, &value) || value > 0xFFFFFFFFu) return usage();
+    return ask_daemon({{"cmd", "diag_set"}, {"name", a[1]}, {"value", value}});
+  }
+  return usage();
+}
+
 int cmd_journal(const std::vector<std::string> &a) {
   if (a.size() == 1 && a[0] == "clear") {
     if (rpk_host::modem_sim_running()) return ask_daemon({{"cmd", "journal_clear"}});
@@ -390,5 +418,6 @@ int main(int argc, char **argv) {
   if (cmd == "indicate") return cmd_indicate(args);
   if (cmd == "journal") return cmd_journal(args);
   if (cmd == "stats") return cmd_stats(args);
+  if (cmd == "diag") return cmd_diag(args);
   return usage();
 }

@@ -7,6 +7,12 @@
 //   setup: <shell command>   (run before, must exit 0)
 //   args: 4 1 0 550          (blank-separated; "double quotes" group, \" \\ \r \n escape)
 //   check: <shell command>   (run after, must exit 0)
+//   thread: <regex>          (the stdout lines it matches come from another
+//                             thread: compared in their own order, free to cut
+//                             in anywhere between the other lines)
+//   drop: <regex>            (stdout lines it matches are left out of the
+//                             comparison: lines a detached thread may or may
+//                             not write before the process ends)
 //
 // Every step sees RPK_SIM_DIR (a fresh state directory of this case), RPK,
 // SIM, DECODE (the binaries) and CASE_DIR. Before comparing, log line numbers
@@ -19,10 +25,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -36,7 +44,7 @@ namespace {
 struct Case {
   fs::path cmd_file;
   std::string bin = "rpk";
-  std::vector<std::string> env, setup, checks, args;
+  std::vector<std::string> env, setup, checks, args, threads, drops;
 };
 
 std::string read_all(const fs::path &p) {
@@ -96,10 +104,39 @@ Case parse_case(const fs::path &file) {
       c.checks.push_back(v);
     else if (take("args:", v))
       c.args = split_args(v);
+    else if (take("thread: ", v))
+      c.threads.push_back(v);
+    else if (take("drop: ", v))
+      c.drops.push_back(v);
     else
       ADD_FAILURE() << file << ": unknown line: " << line;
   }
   return c;
+}
+
+// The output as the case compares it: the dropped lines left out, and the
+// lines of each thread pattern moved, in their order, behind the others under
+// a marker line.
+std::string comparable(const std::string &text, const Case &c) {
+  if (c.threads.empty() && c.drops.empty()) return text;
+  std::vector<std::regex> drops, threads;
+  for (const auto &d : c.drops) drops.emplace_back(d);
+  for (const auto &t : c.threads) threads.emplace_back(t);
+  std::vector<std::string> groups(threads.size() + 1);
+  std::istringstream in(text);
+  std::string line;
+  while (std::getline(in, line)) {
+    auto hit = [&line](const std::regex &r) { return std::regex_search(line, r); };
+    if (std::any_of(drops.begin(), drops.end(), hit)) continue;
+    size_t g = 0;
+    while (g < threads.size() && !hit(threads[g])) ++g;
+    groups[g == threads.size() ? 0 : g + 1] += line + "\n";
+  }
+  std::string out = groups[0];
+  for (size_t g = 0; g < threads.size(); ++g) {
+    out += "---- thread: " + c.threads[g] + "\n" + groups[g + 1];
+  }
+  return out;
 }
 
 struct Result {
@@ -205,7 +242,7 @@ class E2eCase : public testing::Test {
       for (size_t at; (at = got.find(state)) != std::string::npos;) {
         got.replace(at, state.size(), "${RPK_SIM_DIR}");
       }
-      EXPECT_EQ(got, read_all(out_file)) << "stderr:\n" << r.err;
+      EXPECT_EQ(comparable(got, c_), comparable(read_all(out_file), c_)) << "stderr:\n" << r.err;
       for (const auto &s : c_.checks) {
         Result cr = shell(s);
         EXPECT_EQ(cr.status, 0) << "check failed: " << s << "\n" << cr.out << cr.err;

@@ -53,5 +53,8 @@ Join join_socket(const std::string &path, int wait_ms, int *fd);
 
 // join_socket on a QMI service's socket.
 Join join_service(uint32_t service_id, int wait_ms, int *fd);
+// The same for any endpoint socket of the simulated modem that welcomes its
+// connections the same way (the diag channel).
+Join join_socket(const std::string &path, int wait_ms, int *fd);
 
 }  // namespace rpk_qmi
