@@ -25,9 +25,12 @@ std::string modem_sim_binary();
 // False when RPK_SIM_AUTOSTART=0.
 bool modem_sim_autostart_allowed();
 
-// Starts the daemon when none runs, unless RPK_SIM_AUTOSTART=0. Tried once per
-// process; returns when the daemon is ready or the start failed. Whatever is
-// said goes to stderr, never stdout.
+// Starts the daemon when none runs, unless RPK_SIM_AUTOSTART=0: on the first
+// need and again whenever the daemon has vanished since. Returns once a daemon
+// serves. When none can be started (unusable state directory, binary missing
+// or not starting a daemon) the process ends with platform_failure(): a host
+// without its modem would otherwise wait for ever. Whatever is said goes to
+// stderr, never stdout.
 void ensure_modem_sim();
 
 }  // namespace rpk_host
