@@ -31,6 +31,8 @@ bool QmiServiceEndpoint::on_accept(uint64_t conn) {
   return true;
 }
 
+void QmiServiceEndpoint::on_close(uint64_t conn) { host_.modem().drop_transfers(conn); }
+
 void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packet) {
   nlohmann::json entry = {
       {"service", hex_id(id_)}, {"client", conn}, {"wire", to_hex(packet.data(), packet.size())}};
@@ -41,8 +43,8 @@ void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packe
     return;
   }
   entry["txn"] = h.txn;
-  Outcome out =
-      host_.modem().handle(id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen, h.len, host_.faults());
+  Outcome out = host_.modem().handle(conn, id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen,
+                                     h.len, host_.faults());
   entry.update(out.journal);
   host_.journal().append(entry);
   if (!out.reply) {
