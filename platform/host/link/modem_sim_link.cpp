@@ -37,6 +37,15 @@ bool modem_sim_running() {
   return held;
 }
 
+long modem_sim_serving_pid() {
+  if (!modem_sim_running()) return 0;
+  std::string text;
+  read_file(modem_sim_pid_path(), text);
+  const long pid = atol(text.c_str());
+  // A daemon that has just taken the lock may not have written its pid yet.
+  return pid > 0 ? pid : -1;
+}
+
 std::string modem_sim_binary() {
   if (const char *bin = getenv("RPK_SIM_BIN"); bin != nullptr && *bin != '\0') return bin;
   return RPK_SIM_BINARY;

@@ -19,6 +19,10 @@ std::string modem_sim_pid_path();
 // True while a daemon holds the lock of this state directory.
 bool modem_sim_running();
 
+// Which daemon serves: its recorded pid while one holds the lock, else 0. Two
+// looks that differ mean the daemon died (and maybe was replaced) in between.
+long modem_sim_serving_pid();
+
 // $RPK_SIM_BIN, else the rpk-modem-sim of this build tree.
 std::string modem_sim_binary();
 

@@ -74,8 +74,8 @@ namespace {
 constexpr unsigned kServiceInfoMagic = 0x52504B31;  // marks a host-made service info
 constexpr auto kWatchPeriod = std::chrono::milliseconds(20);
 constexpr auto kInitRetryPeriod = std::chrono::milliseconds(5);
-// How long a daemon that holds the lock may take to put its sockets in place.
-constexpr auto kStaleSocketWait = std::chrono::seconds(5);
+// How long an init follows a daemon being replaced before it gives up.
+constexpr auto kDaemonChangeWait = std::chrono::seconds(5);
 // A service welcomes a client at once; this only bounds a hung one.
 constexpr int kWelcomeWaitMs = 10000;
 
@@ -338,17 +338,28 @@ qmi_client_error_type qmi_client_init(qmi_service_info *service_info,
       service_info->info[2] != kServiceInfoMagic) {
     return QMI_CLIENT_PARAM_ERR;
   }
-  rpk_host::ensure_modem_sim();
+  const auto deadline = std::chrono::steady_clock::now() + kDaemonChangeWait;
   int fd = -1;
-  rpk_qmi::Join join = rpk_qmi::join_service(service_obj->service_id, kWelcomeWaitMs, &fd);
-  // Nobody listening at a socket that a live daemon is said to serve: a new
-  // daemon has taken over a killed one's state directory and is about to
-  // replace its leftover file. Wait for the new socket rather than fail.
-  const auto deadline = std::chrono::steady_clock::now() + kStaleSocketWait;
-  while (join == rpk_qmi::Join::kNotListening && service_up(service_obj->service_id) &&
-         std::chrono::steady_clock::now() < deadline) {
-    std::this_thread::sleep_for(kInitRetryPeriod);
+  rpk_qmi::Join join;
+  for (;;) {
+    rpk_host::ensure_modem_sim();
+    const long daemon = rpk_host::modem_sim_serving_pid();
     join = rpk_qmi::join_service(service_obj->service_id, kWelcomeWaitMs, &fd);
+    if (join == rpk_qmi::Join::kJoined || join == rpk_qmi::Join::kSilent ||
+        std::chrono::steady_clock::now() >= deadline) {
+      break;
+    }
+    // Nobody listening at a socket a live daemon is said to serve: a new
+    // daemon has taken over a killed one's state directory and is about to
+    // replace its leftover file. A connection closed unwelcomed by a daemon
+    // that died meanwhile is no refusal either. Both go to the daemon that
+    // serves now (started here when none does); a live daemon's refusal, or
+    // its service being down, is the answer.
+    const bool stale_socket =
+        join == rpk_qmi::Join::kNotListening && service_up(service_obj->service_id);
+    if (!stale_socket && daemon != 0 && rpk_host::modem_sim_serving_pid() == daemon) break;
+    if (!stale_socket && daemon == 0) break;  // no daemon, and none may be started
+    std::this_thread::sleep_for(kInitRetryPeriod);
   }
   return open_client(join, fd, service_obj, ind_cb, ind_cb_data, user_handle);
 }
