@@ -29,8 +29,11 @@ sem_t g_at_receiver_ready;
 
 void append_bounded(char *dst, const char *src) {
   if (strlen(dst) + strlen(src) >= kShellCmdSize) {
-    fprintf(stderr, "rpk: AT shell command longer than %zu bytes, aborting\n", kShellCmdSize - 1);
-    abort();
+    // Nothing is sent; the process ends as a failure, not as a crash.
+    fflush(stdout);
+    fprintf(stderr, "rpk: the AT shell command would pass %zu bytes (AT device %s); not sent\n",
+            kShellCmdSize - 1, rpk_at_device_path());
+    _Exit(EXIT_FAILURE);
   }
   strcat(dst, src);
 }

@@ -233,7 +233,7 @@ json Daemon::control(const json &command) {
   }
   if (cmd == "reset") {
     unlink((dir_ + "/modem.json").c_str());
-    modem_.store().factory_reset();
+    if (!modem_.store().factory_reset()) return fail("cannot write the factory image");
     modem_.reset_runtime();
     refused_clients_ = 0;
     faults_.clear();
@@ -324,6 +324,10 @@ int start_daemon(const std::string &scenario_file, bool foreground) {
   }
 
   const std::string dir = rpk_host::state_dir();
+  if (std::string problem = rpk_host::state_dir_problem(); !problem.empty()) {
+    fprintf(stderr, "rpk-modem-sim: %s\n", problem.c_str());
+    return 1;
+  }
   int ready[2] = {-1, -1};
   if (!foreground) {
     if (pipe2(ready, O_CLOEXEC) != 0) return 1;
@@ -347,7 +351,13 @@ int start_daemon(const std::string &scenario_file, bool foreground) {
           std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
       }
-      fprintf(stderr, "rpk-modem-sim: the daemon did not start; see %s/sim.log\n", dir.c_str());
+      // The daemon said why in its log: pass its last line on.
+      std::string log;
+      rpk_host::read_file(dir + "/sim.log", log);
+      while (!log.empty() && log.back() == '\n') log.pop_back();
+      const size_t last = log.rfind('\n');
+      fprintf(stderr, "rpk-modem-sim: the daemon did not start (%s); see %s/sim.log\n",
+              log.substr(last == std::string::npos ? 0 : last + 1).c_str(), dir.c_str());
       return 1;
     }
     close(ready[0]);
@@ -376,12 +386,17 @@ int start_daemon(const std::string &scenario_file, bool foreground) {
   int status = 0;
   {
     Daemon daemon(dir);
-    if (!daemon.lock()) {
+    std::string error;
+    if (!daemon.lock(&error)) {
+      if (!error.empty()) {
+        fprintf(stderr, "rpk-modem-sim: %s\n", error.c_str());
+        tell('F');
+        return 1;
+      }
       tell('A');
       fprintf(stderr, "rpk-modem-sim: already running\n");
-      return foreground ? 0 : 0;
+      return 0;
     }
-    std::string error;
     if (!daemon.init(&error) || (!scenario.is_null() && !daemon.apply_scenario(scenario, &error))) {
       fprintf(stderr, "rpk-modem-sim: %s\n", error.c_str());
       status = 1;

@@ -109,6 +109,19 @@ Daemon::Daemon(std::string state_dir)
 }
 
 Daemon::~Daemon() {
+  // In a state directory made again after the daemon's was removed, the files
+  // of those names belong to someone else.
+  if (dir_lost_) {
+    for (auto &l : endpoints_) {
+      if (l.fd >= 0) close(l.fd);
+      l.up = false;
+    }
+    for (auto &[id, c] : conns_) close(c.fd);
+    conns_.clear();
+    if (signal_fd_ >= 0) close(signal_fd_);
+    if (lock_fd_ >= 0) close(lock_fd_);
+    return;
+  }
   for (auto &l : endpoints_) take_down(l);
   for (auto &[id, c] : conns_) close(c.fd);
   if (signal_fd_ >= 0) close(signal_fd_);
@@ -118,9 +131,13 @@ Daemon::~Daemon() {
   }
 }
 
-bool Daemon::lock() {
+bool Daemon::lock(std::string *error) {
   lock_fd_ = open(rpk_host::modem_sim_lock_path().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  if (lock_fd_ < 0) return false;
+  if (lock_fd_ < 0) {
+    *error =
+        "cannot open the lock file " + rpk_host::modem_sim_lock_path() + ": " + strerror(errno);
+    return false;
+  }
   struct flock fl {};
   fl.l_type = F_WRLCK;
   fl.l_whence = SEEK_SET;
@@ -129,12 +146,29 @@ bool Daemon::lock() {
     lock_fd_ = -1;
     return false;
   }
+  // Clients take a socket file of a live daemon for a listening service: a
+  // killed predecessor's files go before anything else is done.
+  for (auto &l : endpoints_) unlink(l.endpoint->socket_path().c_str());
+  struct stat st {};
+  if (stat(dir_.c_str(), &st) == 0) {
+    dir_dev_ = st.st_dev;
+    dir_ino_ = st.st_ino;
+  }
   rpk_host::write_file_atomic(rpk_host::modem_sim_pid_path(), std::to_string(getpid()) + "\n");
+  rpk_host::remove_stale_temporaries(dir_);
   return true;
 }
 
+bool Daemon::dir_unchanged() const {
+  struct stat st {};
+  return stat(dir_.c_str(), &st) == 0 && st.st_dev == dir_dev_ && st.st_ino == dir_ino_;
+}
+
 bool Daemon::init(std::string *error) {
-  modem_.store().ensure_factory();
+  if (!modem_.store().ensure_factory()) {
+    *error = "cannot write the factory image in " + dir_ + " (disk full?)";
+    return false;
+  }
   signal(SIGPIPE, SIG_IGN);
   sigset_t mask;
   sigemptyset(&mask);
@@ -320,9 +354,13 @@ void Daemon::run() {
       fn();
     }
     if (now >= next_dir_check) {
-      // A test that removed its state directory no longer needs its modem.
-      struct stat st {};
-      if (stat(dir_.c_str(), &st) != 0) stopping_ = true;
+      // A test that removed its state directory no longer needs its modem;
+      // one made again under the same name is another modem's.
+      if (!dir_unchanged()) {
+        dir_lost_ = true;
+        stopping_ = true;
+        fprintf(stderr, "rpk-modem-sim: the state directory %s went away\n", dir_.c_str());
+      }
       next_dir_check = now + kDirCheckPeriod;
     }
   }

@@ -4,6 +4,8 @@
 // never holds up anyone else.
 #pragma once
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -27,14 +29,18 @@ class Daemon : public EndpointHost {
   Daemon(const Daemon &) = delete;
   Daemon &operator=(const Daemon &) = delete;
 
-  // Takes the state directory's lock. False when another daemon holds it.
-  bool lock();
+  // Takes the state directory's lock, then clears what a killed predecessor
+  // left behind (socket files, temporaries of interrupted writes). False when
+  // another daemon holds the lock, or (with *error) when the lock file cannot
+  // be opened.
+  bool lock(std::string *error);
   // Factory image, settings, sockets. False (and *error) when the daemon
   // cannot serve.
   bool init(std::string *error);
   // Applies a scenario (the same JSON the control interface takes).
   bool apply_scenario(const nlohmann::json &scenario, std::string *error);
-  // Serves until told to stop, signalled, or the state directory goes away.
+  // Serves until told to stop, signalled, or the state directory goes away
+  // (removed, or removed and made again).
   void run();
 
   // Executes one control command and returns its answer ({"ok": ...}).
@@ -76,7 +82,13 @@ class Daemon : public EndpointHost {
   bool apply_fault(const nlohmann::json &j, std::string *error);
   nlohmann::json status();
 
+  // The state directory is still the one the daemon started in.
+  bool dir_unchanged() const;
+
   std::string dir_;
+  dev_t dir_dev_ = 0;
+  ino_t dir_ino_ = 0;
+  bool dir_lost_ = false;  // nothing in the path is the daemon's any more
   int lock_fd_ = -1;
   int signal_fd_ = -1;
   bool stopping_ = false;

@@ -227,32 +227,12 @@ std::vector<uint8_t> Modem::nv_efs_request(const uint8_t *req) {
         memcpy(rsp.data() + 20, content.data() + cur, n);
         break;
       }
-      case kEfsWrite: {
-        const auto key = std::make_pair(sub, path);
-        if (send > kDataArea || cur > all || send > all - cur) {
-          result = kEfsInval;
-        } else if (all > kEfsFileMax) {
-          result = kEfsFBig;
-        } else if (cur == 0) {
-          staging_[key] = Staging{all, std::string(all, '\0')};
-        } else if (staging_.count(key) == 0 || staging_[key].total != all) {
-          result = kEfsInval;  // a chunk of a transfer that never started
-        }
-        if (result != 0) {
-          staging_.erase(key);
-          break;
-        }
-        Staging &st = staging_[key];
-        memcpy(st.data.data() + cur, data, send);
-        if (cur + send == all) {
-          result = store_.efs_write(sub, path, st.data);
-          staging_.erase(key);
-        }
+      case kEfsWrite:
+        result = efs_write_chunk(sub, path, all, send, cur, data);
         put_field(rsp, 4, all, 4);
         put_field(rsp, 8, send, 4);
         put_field(rsp, 12, cur, 4);
         break;
-      }
       case kEfsDelete:
         result = store_.efs_delete(sub, path);
         break;
@@ -264,6 +244,67 @@ std::vector<uint8_t> Modem::nv_efs_request(const uint8_t *req) {
   put_field(rsp, 0, op, 4);
   put_field(rsp, 16, static_cast<uint32_t>(result), 4);
   return rsp;
+}
+
+int32_t Modem::efs_write_chunk(unsigned sub, const std::string &path, uint32_t all, uint32_t send,
+                               uint32_t cur, const uint8_t *data) {
+  auto it = transfers_.find(conn_);
+  int32_t refused = 0;
+  if (send > nv_efs::kDataArea || cur > all || send > all - cur) {
+    refused = kEfsInval;
+  } else if (all > kEfsFileMax) {
+    refused = kEfsFBig;
+  } else if (cur != 0 && (it == transfers_.end() || it->second.sub != sub ||
+                          it->second.path != path || it->second.total != all)) {
+    refused = kEfsInval;  // a chunk of a transfer this client never started
+  }
+  // A refused chunk, or the first chunk of another file, ends what this
+  // client had under way.
+  if (refused != 0 || cur == 0) {
+    drop_transfers(conn_);
+    if (refused != 0) return refused;
+    // A file in one chunk needs no staging.
+    if (send == all) {
+      return store_.efs_write(sub, path,
+                              std::string_view(reinterpret_cast<const char *>(data), send));
+    }
+    it = transfers_.emplace(conn_, Transfer{sub, path, all, {}, 0}).first;
+  }
+  Transfer &t = it->second;
+  t.last_use = ++chunks_;
+  const size_t end = static_cast<size_t>(cur) + send;
+  if (end > t.data.size()) {
+    make_room(end - t.data.size(), conn_);
+    staged_bytes_ += end - t.data.size();
+    t.data.resize(end);
+  }
+  memcpy(t.data.data() + cur, data, send);
+  if (end != all) return 0;
+  const int32_t result = store_.efs_write(sub, path, t.data);
+  drop_transfers(conn_);
+  return result;
+}
+
+void Modem::make_room(size_t need, uint64_t keep) {
+  static_assert(kEfsFileMax < kStagedMax, "one transfer must always fit");
+  while (staged_bytes_ + need > kStagedMax) {
+    auto oldest = transfers_.end();
+    for (auto it = transfers_.begin(); it != transfers_.end(); ++it) {
+      if (it->first != keep &&
+          (oldest == transfers_.end() || it->second.last_use < oldest->second.last_use)) {
+        oldest = it;
+      }
+    }
+    if (oldest == transfers_.end()) return;
+    drop_transfers(oldest->first);
+  }
+}
+
+void Modem::drop_transfers(uint64_t conn) {
+  auto it = transfers_.find(conn);
+  if (it == transfers_.end()) return;
+  staged_bytes_ -= it->second.data.size();
+  transfers_.erase(it);
 }
 
 std::vector<uint8_t> Modem::common_request(const uint8_t *req, Outcome &out) {

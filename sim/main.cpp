@@ -128,8 +128,7 @@ int cmd_reset() {
   if (rpk_host::modem_sim_running()) return ask_daemon({{"cmd", "reset"}});
   const std::string dir = rpk_host::state_dir();
   unlink((dir + "/modem.json").c_str());
-  rpk_sim::Store(dir).factory_reset();
-  return 0;
+  return rpk_sim::Store(dir).factory_reset() ? 0 : complain("cannot write the factory image");
 }
 
 // nv OP SUB ..., with the subscription checked.
@@ -353,13 +352,19 @@ int cmd_diag(const std::vector<std::string> &a) {
 int cmd_journal(const std::vector<std::string> &a) {
   if (a.size() == 1 && a[0] == "clear") {
     if (rpk_host::modem_sim_running()) return ask_daemon({{"cmd", "journal_clear"}});
-    unlink((rpk_host::state_dir() + "/journal.jsonl").c_str());
+    const std::string journal = rpk_host::state_dir() + "/journal.jsonl";
+    unlink(journal.c_str());
+    unlink((journal + ".1").c_str());
     return 0;
   }
   if (!a.empty()) return usage();
-  std::string text;
-  rpk_host::read_file(rpk_host::state_dir() + "/journal.jsonl", text);
-  fwrite(text.data(), 1, text.size(), stdout);
+  // What the journal keeps: the rotated part first, then the current file.
+  const std::string journal = rpk_host::state_dir() + "/journal.jsonl";
+  for (const std::string &file : {journal + ".1", journal}) {
+    std::string text;
+    rpk_host::read_file(file, text);
+    fwrite(text.data(), 1, text.size(), stdout);
+  }
   return 0;
 }
 

@@ -56,20 +56,26 @@ Modem::Modem(std::string state_dir)
     : dir_(std::move(state_dir)), store_(dir_), settings_(Settings::load(dir_)) {}
 
 void Modem::reset_runtime() {
-  staging_.clear();
+  transfers_.clear();
+  staged_bytes_ = 0;
   settings_ = Settings::load(dir_);
   requests_ = stats_queries_ = nv_syncs_ = restarts_ = dumps_ = 0;
 }
 
 nlohmann::json Modem::counters() const {
-  return {{"requests", requests_}, {"stats_queries", stats_queries_},
-          {"nv_syncs", nv_syncs_}, {"restarts", restarts_},
-          {"full_dumps", dumps_},  {"efs_writes_in_flight", staging_.size()}};
+  return {{"requests", requests_},
+          {"stats_queries", stats_queries_},
+          {"nv_syncs", nv_syncs_},
+          {"restarts", restarts_},
+          {"full_dumps", dumps_},
+          {"efs_writes_in_flight", transfers_.size()},
+          {"efs_staged_bytes", staged_bytes_}};
 }
 
-Outcome Modem::handle(uint32_t service, uint16_t msg_id, const uint8_t *tlvs, size_t len,
-                      Faults &faults) {
+Outcome Modem::handle(uint64_t conn, uint32_t service, uint16_t msg_id, const uint8_t *tlvs,
+                      size_t len, Faults &faults) {
   ++requests_;
+  conn_ = conn;
   Outcome out;
   if (service == kExtendQmiServiceId) {
     out = extend_qmi(msg_id, tlvs, len, faults);

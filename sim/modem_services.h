@@ -33,10 +33,15 @@ class Modem {
  public:
   explicit Modem(std::string state_dir);
 
-  // Answers one request of a service; `fx` is what the faults made of it.
-  // The request id is known only after decoding, so faults are asked here.
-  Outcome handle(uint32_t service, uint16_t msg_id, const uint8_t *tlvs, size_t len,
+  // Answers one request of a service that came on connection `conn`; `fx` is
+  // what the faults made of it. The request id is known only after decoding,
+  // so faults are asked here.
+  Outcome handle(uint64_t conn, uint32_t service, uint16_t msg_id, const uint8_t *tlvs, size_t len,
                  Faults &faults);
+
+  // A connection ended: its unfinished EFS write is dropped (the file keeps
+  // its old content).
+  void drop_transfers(uint64_t conn);
 
   // An Extend-QMI indication's TLV area.
   std::vector<uint8_t> indication(uint32_t number, const std::vector<uint8_t> &data);
@@ -68,13 +73,30 @@ class Modem {
   Store store_;
   Settings settings_;
 
-  // EFS writes in flight: the whole file is written when its last chunk
-  // arrives, so an interrupted transfer leaves the old file.
-  struct Staging {
+  // One chunk of an EFS write on the current connection; the EFS result.
+  int32_t efs_write_chunk(unsigned sub, const std::string &path, uint32_t all, uint32_t send,
+                          uint32_t cur, const uint8_t *data);
+  // Drops transfers, least recently used first, until `need` more bytes fit
+  // under kStagedMax; `keep` is never dropped.
+  void make_room(size_t need, uint64_t keep);
+
+  // EFS writes in flight, one per connection (a client writes one file at a
+  // time): the whole file is written when its last chunk arrives, so an
+  // interrupted transfer leaves the old file, and two clients writing one path
+  // never mix their chunks (the last to finish wins). The buffer grows with
+  // the chunks received; all buffers together stay under kStagedMax.
+  struct Transfer {
+    unsigned sub = 0;
+    std::string path;
     uint32_t total = 0;
     std::string data;
+    uint64_t last_use = 0;
   };
-  std::map<std::pair<unsigned, std::string>, Staging> staging_;
+  static constexpr size_t kStagedMax = 16 << 20;
+  std::map<uint64_t, Transfer> transfers_;  // by connection
+  size_t staged_bytes_ = 0;
+  uint64_t chunks_ = 0;
+  uint64_t conn_ = 0;  // the connection of the request being handled
 
   uint64_t requests_ = 0;
   uint64_t stats_queries_ = 0;

@@ -21,12 +21,14 @@ std::string QmiServiceEndpoint::socket_path() const { return rpk_qmi::service_so
 
 bool QmiServiceEndpoint::on_accept(uint64_t conn) { return welcome_client(host_, id_, conn); }
 
+void QmiServiceEndpoint::on_close(uint64_t conn) { host_.modem().drop_transfers(conn); }
+
 void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packet) {
   nlohmann::json entry = {{"service", hex_id(id_)}, {"client", conn}};
   rpk_qmi::Header h;
   if (!take_request(host_, packet, entry, &h)) return;
-  Outcome out = host_.modem().handle(id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen, h.len,
-                                     host_.faults());
+  Outcome out = host_.modem().handle(conn, id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen,
+                                     h.len, host_.faults());
   entry.update(out.journal);
   host_.journal().append(entry);
   if (!out.reply) {

@@ -36,6 +36,7 @@ class QmiServiceEndpoint : public Endpoint {
   std::string socket_path() const override;
   bool on_accept(uint64_t conn) override;
   void on_packet(uint64_t conn, std::span<const uint8_t> packet) override;
+  void on_close(uint64_t conn) override;
 
  private:
   EndpointHost &host_;

@@ -38,23 +38,29 @@ bool is_temporary(const std::string &name) { return name.find(".tmp.") != std::s
 
 Store::Store(std::string state_dir) : dir_(std::move(state_dir)) {}
 
-void Store::ensure_factory() {
+bool Store::ensure_factory() {
   const std::string stamp = dir_ + "/nv/.factory";
-  if (access(stamp.c_str(), F_OK) == 0) return;
-  for (const auto &item : factory_nv_items()) nv_write(item.sub, item.item, item.value);
-  for (const auto &file : factory_efs_files()) efs_write(file.sub, file.path, file.content);
-  rpk_host::write_file_atomic(golden_qcn_path(), make_qcn(false));
-  // Stamped last: a start killed half-way writes the image again next time.
-  rpk_host::write_file_atomic(stamp, "");
+  if (access(stamp.c_str(), F_OK) == 0) return true;
+  bool whole = true;
+  for (const auto &item : factory_nv_items()) {
+    whole = nv_write(item.sub, item.item, item.value) == kNvDone && whole;
+  }
+  for (const auto &file : factory_efs_files()) {
+    whole = efs_write(file.sub, file.path, file.content) == 0 && whole;
+  }
+  whole = whole && rpk_host::write_file_atomic(golden_qcn_path(), make_qcn(false));
+  // Stamped last: a start killed half-way, or one that ran out of disk,
+  // writes the image again next time.
+  return whole && rpk_host::write_file_atomic(stamp, "");
 }
 
-void Store::factory_reset() {
+bool Store::factory_reset() {
   std::error_code ec;
   fs::remove_all(dir_ + "/nv", ec);
   fs::remove_all(dir_ + "/efs", ec);
   fs::remove(qcn_path(), ec);
   fs::remove(golden_qcn_path(), ec);
-  ensure_factory();
+  return ensure_factory();
 }
 
 std::string Store::nv_file(unsigned sub, uint32_t item) const {

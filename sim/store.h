@@ -26,10 +26,12 @@ class Store {
  public:
   explicit Store(std::string state_dir);
 
-  // Writes the factory image when the state directory has none yet.
-  void ensure_factory();
+  // Writes the factory image when the state directory has none yet. The image
+  // is stamped complete only once every part of it was written: false (and no
+  // stamp, so the next start tries again) when any write failed.
+  bool ensure_factory();
   // Wipes NV, EFS and backups and writes the factory image again.
-  void factory_reset();
+  bool factory_reset();
 
   // NV: results are the modem's NV status codes (modem_errors.h).
   int32_t nv_read(unsigned sub, uint32_t item, std::string *value) const;

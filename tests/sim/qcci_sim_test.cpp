@@ -213,14 +213,130 @@ TEST_F(QcciSimTest, SubsystemRestartTakesTheServicesAwayForAWhile) {
   EXPECT_EQ(exchange(h, 2, nv_efs(1, 0, 550), &resp), QMI_SERVICE_ERR);
   unsigned n = 0;
   EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &n), QMI_SERVICE_ERR);
-  // The signal was set when the service first showed up; clear it to see it come back.
-  pthread_mutex_lock(&os.mutex);
-  os.sig_set = 0;
-  pthread_mutex_unlock(&os.mutex);
+  // The look-up that found nothing dropped the first server's signal: the
+  // wait sleeps until the service is back.
   ASSERT_EQ(qmi_cci_os_signal_wait(&os, 30000), 0);
   EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &n), 0);
   qmi_client_release(h);
   qmi_client_release(notifier);
+}
+
+// A client waiting for its service the way the product does: look up, and
+// wait on the notifier while there is none.
+TEST_F(QcciSimTest, AWaitForAMissingServiceSleepsUntilItComesBack) {
+  start();
+  qmi_idl_service_object_type svc = velmar_extend_qmi_get_service_object_v01();
+  qmi_client_os_params os{};
+  qmi_client_type notifier = nullptr;
+  ASSERT_EQ(qmi_client_notifier_init(svc, &os, &notifier), 0);  // signalled: the service is up
+  ASSERT_EQ(sim("fault down --service extend"), 0);
+  unsigned n = 0;
+  ASSERT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &n), QMI_SERVICE_ERR);
+  // Returning at once here is what made a waiting client spin.
+  EXPECT_EQ(qmi_cci_os_signal_wait(&os, 200), QMI_TIMEOUT_ERR);
+  ASSERT_EQ(sim("fault up"), 0);
+  ASSERT_EQ(qmi_cci_os_signal_wait(&os, kPatientMs), 0);
+  EXPECT_EQ(qmi_client_get_service_list(svc, nullptr, nullptr, &n), 0);
+  qmi_client_release(notifier);
+}
+
+// Several clients writing one path, their chunks interleaved: each file lands
+// whole, the last one finished wins, and every writer that was told it
+// succeeded wrote what is there or was overwritten whole.
+TEST_F(QcciSimTest, WritersOfOnePathNeverMixTheirChunks) {
+  start();
+  const std::string path = "/nv/item_files/test/shared";
+  struct Case {
+    const char *name;
+    uint32_t lengths[2];  // bytes each writer sends (414 a chunk)
+    uint32_t b_starts;    // writer b sends its first chunk after a's n-th
+  };
+  const Case cases[] = {
+      {"same length, side by side", {1500, 1500}, 0},
+      {"a longer, b finishes first", {2000, 900}, 1},
+      {"b starts as a ends", {1300, 1300}, 3},
+  };
+  for (const Case &c : cases) {
+    qmi_client_type h[2] = {open_extend(), open_extend()};
+    ASSERT_NE(h[0], nullptr);
+    ASSERT_NE(h[1], nullptr);
+    const std::string content[2] = {std::string(c.lengths[0], 'a'), std::string(c.lengths[1], 'b')};
+    uint32_t sent[2] = {0, 0};
+    int finished_last = -1;
+    // Chunks alternate once b has started; a failed chunk would show here.
+    for (uint32_t round = 0; sent[0] < c.lengths[0] || sent[1] < c.lengths[1]; ++round) {
+      for (int w = 0; w < 2; ++w) {
+        if (sent[w] >= c.lengths[w] || (w == 1 && round < c.b_starts)) continue;
+        const std::string chunk = content[w].substr(sent[w], 414);
+        velmar_extend_qmi_msg_v01 resp;
+        ASSERT_EQ(exchange(h[w], 2,
+                           nv_efs(5, 0, 0, path, c.lengths[w], static_cast<uint32_t>(chunk.size()),
+                                  sent[w], chunk),
+                           &resp),
+                  0)
+            << c.name;
+        ASSERT_EQ(get(resp.data + 16), 0u) << c.name << " writer " << w << " at " << sent[w];
+        sent[w] += static_cast<uint32_t>(chunk.size());
+        if (sent[w] == c.lengths[w]) finished_last = w;
+      }
+    }
+    std::string file;
+    ASSERT_EQ(rpk_sim::Store(dir_).efs_read(0, path, &file), 0) << c.name;
+    EXPECT_EQ(file, content[finished_last]) << c.name;
+    qmi_client_release(h[0]);
+    qmi_client_release(h[1]);
+  }
+}
+
+nlohmann::json sim_counters() {
+  std::string out;
+  if (sim("status", &out) != 0) return nullptr;
+  return nlohmann::json::parse(out)["counters"];
+}
+
+// Transfers that never finish: a client that leaves takes its buffer along,
+// and the clients that stay cannot pin more than the cap between them.
+TEST_F(QcciSimTest, UnfinishedTransfersHoldBoundedMemory) {
+  start();
+  constexpr uint32_t kFileMax = 1 << 20;
+  const std::string chunk(414, 'x');
+  auto begin_transfer = [&](qmi_client_type h, const std::string &path, uint32_t cur) {
+    velmar_extend_qmi_msg_v01 resp;
+    const int rc = exchange(h, 2, nv_efs(5, 0, 0, path, kFileMax, 414, cur, chunk), &resp);
+    return rc != 0 ? -1 : static_cast<int>(get(resp.data + 16));
+  };
+  // One abandoned first chunk per client, as a raw request from the command
+  // line makes it: gone with the client.
+  for (int i = 0; i < 20; ++i) {
+    qmi_client_type h = open_extend();
+    ASSERT_NE(h, nullptr);
+    ASSERT_EQ(begin_transfer(h, "/abandoned/" + std::to_string(i), 0), 0);
+    qmi_client_release(h);
+  }
+  // Twenty clients that stay, each with a chunk at the end of a 1 MiB file:
+  // the oldest transfers are dropped to keep the rest under the cap.
+  std::vector<qmi_client_type> open;
+  for (int i = 0; i < 20; ++i) {
+    open.push_back(open_extend());
+    ASSERT_NE(open.back(), nullptr);
+    const std::string path = "/held/" + std::to_string(i);
+    ASSERT_EQ(begin_transfer(open.back(), path, 0), 0);
+    ASSERT_EQ(begin_transfer(open.back(), path, kFileMax - 414), 0);
+  }
+  nlohmann::json counters = sim_counters();
+  EXPECT_LE(counters["efs_staged_bytes"].get<uint64_t>(), 16u << 20);
+  EXPECT_LT(counters["efs_writes_in_flight"].get<uint64_t>(), 20u);
+  // The first one was dropped: its next chunk belongs to no transfer.
+  EXPECT_EQ(begin_transfer(open[0], "/held/0", 414), rpk_sim::kEfsInval);
+  for (qmi_client_type h : open) qmi_client_release(h);
+  // Each close reaches the daemon before a later connection's request.
+  qmi_client_type h = open_extend();
+  ASSERT_NE(h, nullptr);
+  EXPECT_EQ(nv_value(h, 550).size(), 9u);
+  qmi_client_release(h);
+  counters = sim_counters();
+  EXPECT_EQ(counters["efs_writes_in_flight"], 0);
+  EXPECT_EQ(counters["efs_staged_bytes"], 0);
 }
 
 TEST_F(QcciSimTest, SarStateAndInstanceTimeoutAndRefusal) {

@@ -1,7 +1,7 @@
-// Host liblog: logcat-style lines appended to <state dir>/logcat.txt, and to
-// stderr when RPK_LOG_STDERR=1.
+// Host liblog: logcat-style lines appended to <state dir>/logcat.txt (bounded:
+// past 4 MiB it becomes logcat.txt.1 and a new one starts), and to stderr
+// when RPK_LOG_STDERR=1.
 #include <android/log.h>
-#include <fcntl.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -22,12 +22,12 @@ char priority_letter(int prio) {
   return (prio >= 0 && prio <= ANDROID_LOG_SILENT) ? kLetters[prio] : '?';
 }
 
-int log_fd() {
-  static const int fd = [] {
-    std::string path = rpk_host::state_dir() + "/logcat.txt";
-    return open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-  }();
-  return fd;
+constexpr size_t kLogcatMax = 4 << 20;
+
+rpk_host::BoundedLog &logcat() {
+  // Never destroyed: a detached thread may still log while the process exits.
+  static auto *log = new rpk_host::BoundedLog(rpk_host::state_dir() + "/logcat.txt", kLogcatMax);
+  return *log;
 }
 
 }  // namespace
@@ -53,8 +53,7 @@ extern "C" int __android_log_print(int prio, const char *tag, const char *fmt, .
                    tag != nullptr ? tag : "", msg);
   if (n < 0) return n;
   size_t len = static_cast<size_t>(n) < sizeof line ? static_cast<size_t>(n) : sizeof line - 1;
-  // One write per line keeps lines of concurrent writers whole (O_APPEND).
-  if (int fd = log_fd(); fd >= 0) (void)!write(fd, line, len);
+  logcat().append(std::string_view(line, len));
   if (const char *e = getenv("RPK_LOG_STDERR"); e != nullptr && strcmp(e, "1") == 0) {
     (void)!write(STDERR_FILENO, line, len);
   }

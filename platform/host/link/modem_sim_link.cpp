@@ -37,6 +37,15 @@ bool modem_sim_running() {
   return held;
 }
 
+long modem_sim_serving_pid() {
+  if (!modem_sim_running()) return 0;
+  std::string text;
+  read_file(modem_sim_pid_path(), text);
+  const long pid = atol(text.c_str());
+  // A daemon that has just taken the lock may not have written its pid yet.
+  return pid > 0 ? pid : -1;
+}
+
 std::string modem_sim_binary() {
   if (const char *bin = getenv("RPK_SIM_BIN"); bin != nullptr && *bin != '\0') return bin;
   return RPK_SIM_BINARY;
@@ -48,13 +57,13 @@ bool modem_sim_autostart_allowed() {
 }
 
 void ensure_modem_sim() {
-  static std::mutex mu;
-  static bool tried = false;
   if (!modem_sim_autostart_allowed()) return;
+  // One start at a time in this process; other processes racing are sorted
+  // out by the daemon's lock (`start` also succeeds when another one won).
+  static std::mutex mu;
   std::lock_guard<std::mutex> lock(mu);
-  if (tried) return;
-  tried = true;
   if (modem_sim_running()) return;
+  if (std::string problem = state_dir_problem(); !problem.empty()) platform_failure(problem);
 
   const std::string bin = modem_sim_binary();
   posix_spawn_file_actions_t actions;
@@ -69,14 +78,19 @@ void ensure_modem_sim() {
   int rc = posix_spawn(&pid, bin.c_str(), &actions, nullptr, argv, environ);
   posix_spawn_file_actions_destroy(&actions);
   if (rc != 0) {
-    fprintf(stderr, "rpk: cannot start the simulated modem %s: %s\n", bin.c_str(), strerror(rc));
-    return;
+    platform_failure("cannot run the simulated modem " + bin + ": " + strerror(rc));
   }
   int status = 0;
   while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
   }
   if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-    fprintf(stderr, "rpk: the simulated modem %s did not start\n", bin.c_str());
+    platform_failure("the simulated modem " + bin + " did not start (exit status " +
+                     std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + ")");
+  }
+  // `start` returns once the daemon serves; a binary that says so without
+  // one (or a daemon that died at once) leaves nothing to wait for.
+  if (!modem_sim_running()) {
+    platform_failure("the simulated modem " + bin + " started no daemon in " + state_dir());
   }
 }
 

@@ -19,15 +19,22 @@ std::string modem_sim_pid_path();
 // True while a daemon holds the lock of this state directory.
 bool modem_sim_running();
 
+// Which daemon serves: its recorded pid while one holds the lock, else 0. Two
+// looks that differ mean the daemon died (and maybe was replaced) in between.
+long modem_sim_serving_pid();
+
 // $RPK_SIM_BIN, else the rpk-modem-sim of this build tree.
 std::string modem_sim_binary();
 
 // False when RPK_SIM_AUTOSTART=0.
 bool modem_sim_autostart_allowed();
 
-// Starts the daemon when none runs, unless RPK_SIM_AUTOSTART=0. Tried once per
-// process; returns when the daemon is ready or the start failed. Whatever is
-// said goes to stderr, never stdout.
+// Starts the daemon when none runs, unless RPK_SIM_AUTOSTART=0: on the first
+// need and again whenever the daemon has vanished since. Returns once a daemon
+// serves. When none can be started (unusable state directory, binary missing
+// or not starting a daemon) the process ends with platform_failure(): a host
+// without its modem would otherwise wait for ever. Whatever is said goes to
+// stderr, never stdout.
 void ensure_modem_sim();
 
 }  // namespace rpk_host

@@ -2,21 +2,73 @@
 // the simulated modem. Not part of the phone build.
 #pragma once
 
+#include <cstddef>
+#include <mutex>
 #include <string>
 #include <string_view>
 
 namespace rpk_host {
 
+// Longest state directory path accepted. Its sockets live inside it, and a
+// Unix socket address holds at most 107 characters: this leaves 27 for "/",
+// the socket's name and the daemon's staging suffix.
+inline constexpr size_t kStateDirMax = 80;
+
+// Exit status of a process the host platform ends (the simulated modem cannot
+// be reached), told apart from the tool's own 0.
+inline constexpr int kPlatformFailureStatus = 69;
+
 // The host state directory: $RPK_SIM_DIR, else $XDG_STATE_HOME/rpk-sim, else
 // ~/.local/state/rpk-sim. Created (with parents) on first use.
 std::string state_dir();
 
+// Why the state directory cannot be used (path too long, cannot be created,
+// not a directory, not writable), or empty when it can.
+std::string state_dir_problem();
+
+// Ends the process as a platform failure: "rpk: <why>" on stderr, what stdout
+// holds is flushed, exit status kPlatformFailureStatus. No destructor runs, so
+// the platform's own threads are never pulled out from under them.
+[[noreturn]] void platform_failure(const std::string &why);
+
 // Replaces `path` with `data` so that a crash at any moment leaves either the
-// old or the new content (temporary file, fsync, rename). Returns false on
-// failure, with the old content untouched.
+// old or the new content (temporary file <path>.tmp.<pid>, fsync, rename).
+// Returns false on failure, with the old content untouched.
 bool write_file_atomic(const std::string &path, std::string_view data);
+
+// Removes the temporary files of atomic writes whose process is gone, in `dir`
+// and below. Returns how many were removed.
+size_t remove_stale_temporaries(const std::string &dir);
 
 // Reads a whole file; false when it cannot be opened.
 bool read_file(const std::string &path, std::string &out);
+
+// An append-only text file of bounded size. When a line takes it past
+// max_bytes it becomes <path>.1 (replacing the previous one) and a new file is
+// started: at most about twice max_bytes are kept, the most recent lines.
+// Several processes may append to one path: each line is one write, and the
+// rotation is done once, under a lock on the file.
+class BoundedLog {
+ public:
+  BoundedLog(std::string path, size_t max_bytes);
+  ~BoundedLog();
+  BoundedLog(const BoundedLog &) = delete;
+  BoundedLog &operator=(const BoundedLog &) = delete;
+
+  // Appends one line (the caller ends it with "\n").
+  void append(std::string_view line);
+  // Removes both files and starts again.
+  void clear();
+  const std::string &path() const { return path_; }
+
+ private:
+  void open_nolock();
+  void rotate_if_full_nolock();
+
+  const std::string path_;
+  const size_t max_bytes_;
+  std::mutex mu_;
+  int fd_ = -1;  // guarded by mu_
+};
 
 }  // namespace rpk_host

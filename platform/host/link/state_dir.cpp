@@ -1,9 +1,14 @@
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -19,6 +24,20 @@ void make_dirs(const std::string &path) {
       if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) return;
     }
   }
+}
+
+constexpr std::string_view kTmpMark = ".tmp.";
+
+// The pid of an atomic write's temporary file, or 0 when the name is not one.
+pid_t temporary_owner(const std::string &name) {
+  const size_t at = name.rfind(kTmpMark);
+  if (at == std::string::npos || at + kTmpMark.size() == name.size()) return 0;
+  pid_t pid = 0;
+  for (size_t i = at + kTmpMark.size(); i < name.size(); ++i) {
+    if (name[i] < '0' || name[i] > '9' || pid > 10000000) return 0;
+    pid = pid * 10 + (name[i] - '0');
+  }
+  return pid;
 }
 
 }  // namespace
@@ -38,8 +57,32 @@ std::string state_dir() {
   return dir;
 }
 
+std::string state_dir_problem() {
+  const std::string dir = state_dir();
+  if (dir.size() > kStateDirMax) {
+    return "the state directory's path has " + std::to_string(dir.size()) +
+           " characters, at most " + std::to_string(kStateDirMax) + " are allowed: " + dir;
+  }
+  struct stat st {};
+  if (stat(dir.c_str(), &st) != 0) {
+    return "cannot create the state directory " + dir + ": " + strerror(errno);
+  }
+  if (!S_ISDIR(st.st_mode)) return "the state directory " + dir + " is not a directory";
+  if (access(dir.c_str(), W_OK | X_OK) != 0) {
+    return "cannot write in the state directory " + dir + ": " + strerror(errno);
+  }
+  return {};
+}
+
+void platform_failure(const std::string &why) {
+  fflush(stdout);
+  fprintf(stderr, "rpk: %s\n", why.c_str());
+  fflush(stderr);
+  _exit(kPlatformFailureStatus);
+}
+
 bool write_file_atomic(const std::string &path, std::string_view data) {
-  std::string tmp = path + ".tmp." + std::to_string(getpid());
+  std::string tmp = path + std::string(kTmpMark) + std::to_string(getpid());
   int fd = open(tmp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   if (fd < 0) return false;
   size_t done = 0;
@@ -60,6 +103,21 @@ bool write_file_atomic(const std::string &path, std::string_view data) {
   return true;
 }
 
+size_t remove_stale_temporaries(const std::string &dir) {
+  namespace fs = std::filesystem;
+  size_t removed = 0;
+  std::error_code ec;
+  for (auto it = fs::recursive_directory_iterator(dir, ec); !ec && it != fs::end(it);
+       it.increment(ec)) {
+    const pid_t owner = temporary_owner(it->path().filename().string());
+    // A live writer's file is about to be renamed into place: leave it.
+    if (owner <= 0 || kill(owner, 0) == 0 || errno != ESRCH) continue;
+    std::error_code ignored;
+    if (fs::remove(it->path(), ignored)) ++removed;
+  }
+  return removed;
+}
+
 bool read_file(const std::string &path, std::string &out) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return false;
@@ -67,6 +125,51 @@ bool read_file(const std::string &path, std::string &out) {
   ss << in.rdbuf();
   out = ss.str();
   return true;
+}
+
+BoundedLog::BoundedLog(std::string path, size_t max_bytes)
+    : path_(std::move(path)), max_bytes_(max_bytes) {
+  std::lock_guard lock(mu_);
+  open_nolock();
+}
+
+BoundedLog::~BoundedLog() {
+  if (fd_ >= 0) close(fd_);
+}
+
+void BoundedLog::open_nolock() {
+  if (fd_ >= 0) close(fd_);
+  fd_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+}
+
+void BoundedLog::append(std::string_view line) {
+  std::lock_guard lock(mu_);
+  if (fd_ < 0) return;
+  // One write per line keeps lines of concurrent writers whole (O_APPEND).
+  (void)!write(fd_, line.data(), line.size());
+  rotate_if_full_nolock();
+}
+
+void BoundedLog::rotate_if_full_nolock() {
+  struct stat mine {};
+  if (fstat(fd_, &mine) != 0 || static_cast<size_t>(mine.st_size) <= max_bytes_) return;
+  // Every writer of the full file gets here; the lock on it lets exactly one
+  // rename it, and the others only follow to the new file.
+  flock(fd_, LOCK_EX);
+  struct stat named {};
+  if (stat(path_.c_str(), &named) == 0 && named.st_dev == mine.st_dev &&
+      named.st_ino == mine.st_ino) {
+    rename(path_.c_str(), (path_ + ".1").c_str());
+  }
+  flock(fd_, LOCK_UN);
+  open_nolock();
+}
+
+void BoundedLog::clear() {
+  std::lock_guard lock(mu_);
+  unlink(path_.c_str());
+  unlink((path_ + ".1").c_str());
+  open_nolock();
 }
 
 }  // namespace rpk_host

@@ -54,6 +54,19 @@ struct qmi_client_struct {
 
   // Notifier only; the caller's signal object, which outlives the notifier.
   qmi_client_os_params *os = nullptr;
+  // Notifier only, guarded by mu: the socket file of the server last
+  // signalled, so that only a new one is signalled again.
+  struct ServerKey {
+    dev_t dev = 0;
+    ino_t ino = 0;
+    timespec ctime{};
+    bool operator==(const ServerKey &o) const {
+      return dev == o.dev && ino == o.ino && ctime.tv_sec == o.ctime.tv_sec &&
+             ctime.tv_nsec == o.ctime.tv_nsec;
+    }
+  };
+  bool signalled_server = false;
+  ServerKey server;
 };
 
 namespace {
@@ -61,6 +74,8 @@ namespace {
 constexpr unsigned kServiceInfoMagic = 0x52504B31;  // marks a host-made service info
 constexpr auto kWatchPeriod = std::chrono::milliseconds(20);
 constexpr auto kInitRetryPeriod = std::chrono::milliseconds(5);
+// How long an init follows a daemon being replaced before it gives up.
+constexpr auto kDaemonChangeWait = std::chrono::seconds(5);
 // A service welcomes a client at once; this only bounds a hung one.
 constexpr int kWelcomeWaitMs = 10000;
 
@@ -110,40 +125,54 @@ void set_signal(qmi_client_os_params *os) {
   pthread_mutex_unlock(&os->mutex);
 }
 
-// Signals on every new server: a socket file that was not there (or was
-// another file) and now accepts a connection. A killed server leaves its file
-// behind; its successor replaces it, which shows as a new inode or ctime.
+// One look of a notifier, under its lock: signals a new server, i.e. a socket
+// file that was not there (or was another file) and is served now. A killed
+// server leaves its file behind; its successor replaces it, which shows as a
+// new inode or ctime. A vanished daemon is signalled too when it may be
+// started again, so a waiting client comes back to look up (and restart) it.
+void look_nolock(qmi_client_type h, const std::string &path) {
+  struct stat st {};
+  if (stat(path.c_str(), &st) != 0) {
+    h->signalled_server = false;
+  } else {
+    const qmi_client_struct::ServerKey now{st.st_dev, st.st_ino, st.st_ctim};
+    if ((!h->signalled_server || !(now == h->server)) && service_up(h->svc->service_id)) {
+      set_signal(h->os);
+      h->server = now;
+      h->signalled_server = true;
+      return;
+    }
+  }
+  if (rpk_host::modem_sim_autostart_allowed() && !rpk_host::modem_sim_running()) {
+    set_signal(h->os);
+  }
+}
+
 void watch_service(qmi_client_type h) {
   const std::string path = rpk_qmi::service_socket_path(h->svc->service_id);
-  struct Key {
-    dev_t dev = 0;
-    ino_t ino = 0;
-    timespec ctime{};
-    bool operator==(const Key &o) const {
-      return dev == o.dev && ino == o.ino && ctime.tv_sec == o.ctime.tv_sec &&
-             ctime.tv_nsec == o.ctime.tv_nsec;
-    }
-  };
-  bool have_key = false;
-  Key last;
   std::unique_lock<std::mutex> lock(h->mu);
   while (!h->stop) {
-    lock.unlock();
-    struct stat st {};
-    if (stat(path.c_str(), &st) != 0) {
-      have_key = false;
-    } else {
-      Key now{st.st_dev, st.st_ino, st.st_ctim};
-      if (!have_key || !(now == last)) {
-        if (service_up(h->svc->service_id)) {
-          set_signal(h->os);
-          last = now;
-          have_key = true;
-        }
-      }
-    }
-    lock.lock();
+    look_nolock(h, path);
     h->cv.wait_for(lock, kWatchPeriod, [h] { return h->stop; });
+  }
+}
+
+// A look-up found no server: the notifiers of that service drop what they
+// signalled before, so the caller's next wait sleeps until a server comes
+// (again) instead of returning at once. Checked again under each notifier's
+// lock, so a server its watcher has just signalled is never forgotten.
+void forget_missing_service(uint32_t service_id) {
+  std::lock_guard<std::mutex> handles(g_handles_mu);
+  for (qmi_client_type h : g_handles) {
+    if (h->kind != qmi_client_struct::Kind::kNotifier || h->svc->service_id != service_id) {
+      continue;
+    }
+    std::lock_guard<std::mutex> lock(h->mu);
+    if (service_up(service_id)) continue;
+    pthread_mutex_lock(&h->os->mutex);
+    h->os->sig_set = 0;
+    pthread_mutex_unlock(&h->os->mutex);
+    h->signalled_server = false;
   }
 }
 
@@ -269,7 +298,7 @@ qmi_client_error_type qmi_client_notifier_init(qmi_idl_service_object_type servi
   h->os = os_params;
   // The first look is made here so a server that is already up is signalled
   // before this call returns.
-  if (service_up(service_obj->service_id)) set_signal(os_params);
+  look_nolock(h, rpk_qmi::service_socket_path(service_obj->service_id));
   add_handle(h);
   h->thread = std::thread(watch_service, h);
   *user_handle = h;
@@ -283,6 +312,7 @@ qmi_client_error_type qmi_client_get_service_list(qmi_idl_service_object_type se
   if (service_obj == nullptr) return QMI_CLIENT_PARAM_ERR;
   rpk_host::ensure_modem_sim();
   const unsigned found = service_up(service_obj->service_id) ? 1 : 0;
+  if (found == 0) forget_missing_service(service_obj->service_id);
   if (num_services != nullptr) *num_services = found;
   if (service_info_array != nullptr && num_entries != nullptr) {
     const unsigned n = *num_entries < found ? *num_entries : found;
@@ -308,9 +338,29 @@ qmi_client_error_type qmi_client_init(qmi_service_info *service_info,
       service_info->info[2] != kServiceInfoMagic) {
     return QMI_CLIENT_PARAM_ERR;
   }
-  rpk_host::ensure_modem_sim();
+  const auto deadline = std::chrono::steady_clock::now() + kDaemonChangeWait;
   int fd = -1;
-  const rpk_qmi::Join join = rpk_qmi::join_service(service_obj->service_id, kWelcomeWaitMs, &fd);
+  rpk_qmi::Join join;
+  for (;;) {
+    rpk_host::ensure_modem_sim();
+    const long daemon = rpk_host::modem_sim_serving_pid();
+    join = rpk_qmi::join_service(service_obj->service_id, kWelcomeWaitMs, &fd);
+    if (join == rpk_qmi::Join::kJoined || join == rpk_qmi::Join::kSilent ||
+        std::chrono::steady_clock::now() >= deadline) {
+      break;
+    }
+    // Nobody listening at a socket a live daemon is said to serve: a new
+    // daemon has taken over a killed one's state directory and is about to
+    // replace its leftover file. A connection closed unwelcomed by a daemon
+    // that died meanwhile is no refusal either. Both go to the daemon that
+    // serves now (started here when none does); a live daemon's refusal, or
+    // its service being down, is the answer.
+    const bool stale_socket =
+        join == rpk_qmi::Join::kNotListening && service_up(service_obj->service_id);
+    if (!stale_socket && daemon != 0 && rpk_host::modem_sim_serving_pid() == daemon) break;
+    if (!stale_socket && daemon == 0) break;  // no daemon, and none may be started
+    std::this_thread::sleep_for(kInitRetryPeriod);
+  }
   return open_client(join, fd, service_obj, ind_cb, ind_cb_data, user_handle);
 }
 
