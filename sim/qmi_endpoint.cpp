@@ -5,6 +5,7 @@
 #include "faults.h"
 #include "journal.h"
 #include "modem_services.h"
+#include "platform/host/link/handshake.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "sim_text.h"
 
@@ -25,9 +26,7 @@ bool QmiServiceEndpoint::on_accept(uint64_t conn) {
     // so the journal has nothing to say.
     return false;
   }
-  std::vector<uint8_t> welcome(rpk_qmi::kHeaderLen);
-  rpk_qmi::put_header(welcome.data(), {rpk_qmi::kCtlWelcome, 0, 0, 0});
-  host_.send_packet(conn, welcome);
+  host_.send_packet(conn, rpk_link::kWelcome);
   return true;
 }
 
@@ -41,8 +40,8 @@ void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packe
     return;
   }
   entry["txn"] = h.txn;
-  Outcome out =
-      host_.modem().handle(id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen, h.len, host_.faults());
+  Outcome out = host_.modem().handle(id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen, h.len,
+                                     host_.faults());
   entry.update(out.journal);
   host_.journal().append(entry);
   if (!out.reply) {
