@@ -1,9 +1,16 @@
 # The vendor build's Android.bp is the one list of product sources; the host
-# build reads it from there so the two cannot drift apart.
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/Android.bp")
-file(READ "${CMAKE_SOURCE_DIR}/Android.bp" RPK_ANDROID_BP)
+# build reads it from there so the two cannot drift apart. Also included by
+# tests/check_android_bp.cmake in script mode (set RPK_ROOT first).
+if(NOT DEFINED RPK_ROOT)
+  set(RPK_ROOT "${CMAKE_SOURCE_DIR}")
+endif()
+if(NOT CMAKE_SCRIPT_MODE_FILE)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${RPK_ROOT}/Android.bp")
+endif()
+file(READ "${RPK_ROOT}/Android.bp" RPK_ANDROID_BP)
 
-# android_bp_srcs(<module name> <out var>): the srcs list of that module.
+# android_bp_srcs(<module name> <out var>): the srcs list of that module, as
+# absolute paths.
 function(android_bp_srcs module out)
   string(FIND "${RPK_ANDROID_BP}" "name: \"${module}\"" at)
   if(at EQUAL -1)
@@ -18,7 +25,7 @@ function(android_bp_srcs module out)
   set(files "")
   foreach(q IN LISTS quoted)
     string(REPLACE "\"" "" f "${q}")
-    list(APPEND files "${CMAKE_SOURCE_DIR}/${f}")
+    list(APPEND files "${RPK_ROOT}/${f}")
   endforeach()
   set(${out} "${files}" PARENT_SCOPE)
 endfunction()

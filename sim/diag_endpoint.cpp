@@ -9,6 +9,7 @@
 #include "faults.h"
 #include "journal.h"
 #include "modem_services.h"
+#include "platform/host/link/handshake.h"
 #include "platform/host/link/diag_host_transport.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "sim_text.h"
@@ -207,9 +208,7 @@ std::string DiagEndpoint::socket_path() const { return rpk_diag::diag_socket_pat
 bool DiagEndpoint::on_accept(uint64_t conn) {
   if (host_.faults().refuses_client(kDiagServiceId)) return false;
   // Welcomed as the QMI services do, so the library joins the same way.
-  std::vector<uint8_t> welcome(rpk_qmi::kHeaderLen);
-  rpk_qmi::put_header(welcome.data(), {rpk_qmi::kCtlWelcome, 0, 0, 0});
-  host_.send_packet(conn, welcome);
+  host_.send_packet(conn, rpk_link::kWelcome);
   host_.journal().append({{"service", "diag"}, {"client", conn}, {"session", "open"}});
   return true;
 }

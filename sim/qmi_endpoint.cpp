@@ -5,6 +5,7 @@
 #include "faults.h"
 #include "journal.h"
 #include "modem_services.h"
+#include "platform/host/link/handshake.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "sim_text.h"
 
@@ -41,9 +42,7 @@ void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packe
 bool welcome_client(EndpointHost &host, uint32_t service, uint64_t conn) {
   // No request was made before a refusal, so the journal has nothing to say.
   if (host.faults().refuses_client(service)) return false;
-  std::vector<uint8_t> welcome(rpk_qmi::kHeaderLen);
-  rpk_qmi::put_header(welcome.data(), {rpk_qmi::kCtlWelcome, 0, 0, 0});
-  host.send_packet(conn, welcome);
+  host.send_packet(conn, rpk_link::kWelcome);
   return true;
 }
 

@@ -13,11 +13,21 @@
 //   drop: <regex>            (stdout lines it matches are left out of the
 //                             comparison: lines a detached thread may or may
 //                             not write before the process ends)
+//   out: OTHER.out           (the expected stdout is that file, beside this
+//                             one; cases with the same output share it)
+//   help: N                  (the stdout ends with the help of category N:
+//                             NAME.out holds only what comes before it)
+//
+// `help: N` takes the help text from the built rpk itself (its whole help,
+// printed when run without arguments, cut to the banner, section N and the
+// closing line), so a golden file never copies a help section. The help text
+// itself is pinned byte for byte by tests/e2e/front/help_none.out: keep the
+// cases of tests/e2e/front/ whole.
 //
 // Every step sees RPK_SIM_DIR (a fresh state directory of this case), RPK,
 // SIM, DECODE (the binaries) and CASE_DIR. Before comparing, log line numbers
-// on the console are masked as "RIL[function:N]: " and the state directory's
-// path is shown as ${RPK_SIM_DIR}.
+// on the console are masked as "RIL[function:N]: ", errno values as "errno: E", and the state
+// directory's path is shown as ${RPK_SIM_DIR}.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -43,6 +53,8 @@ namespace {
 
 struct Case {
   fs::path cmd_file;
+  fs::path out_file;  // NAME.out unless `out:` names another
+  std::string help;   // the category whose help ends the output, or empty
   std::string bin = "rpk";
   std::vector<std::string> env, setup, checks, args, threads, drops;
 };
@@ -83,6 +95,7 @@ std::vector<std::string> split_args(const std::string &line) {
 Case parse_case(const fs::path &file) {
   Case c;
   c.cmd_file = file;
+  c.out_file = fs::path(file).replace_extension(".out");
   std::istringstream in(read_all(file));
   std::string line;
   while (std::getline(in, line)) {
@@ -108,6 +121,10 @@ Case parse_case(const fs::path &file) {
       c.threads.push_back(v);
     else if (take("drop: ", v))
       c.drops.push_back(v);
+    else if (take("out: ", v))
+      c.out_file = file.parent_path() / v;
+    else if (take("help: ", v))
+      c.help = v;
     else
       ADD_FAILURE() << file << ": unknown line: " << line;
   }
@@ -207,6 +224,58 @@ Result run(const std::vector<std::string> &argv, const std::vector<std::string> 
   return r;
 }
 
+// The help of one category as rpk prints it after a refusal: the banner, the
+// category's section of the whole help, the closing line. Empty (with a test
+// failure) when the whole help has no such section.
+std::string category_help(const std::string &category) {
+  static const std::string whole = [] {
+    char tmpl[] = "/tmp/rpk-e2e-help-XXXXXX";
+    if (mkdtemp(tmpl) == nullptr) return std::string();
+    Result r = run({std::string(RPK_E2E_BIN_DIR) + "/rpk"},
+                   {std::string("RPK_SIM_DIR=") + tmpl, "RPK_SIM_AUTOSTART=0"});
+    std::error_code ec;
+    fs::remove_all(tmpl, ec);
+    return r.out;
+  }();
+  // Lines with their newlines; sections start with "<category>: " at column 0.
+  std::vector<std::string> lines;
+  for (size_t at = 0; at < whole.size();) {
+    size_t end = whole.find('\n', at);
+    end = end == std::string::npos ? whole.size() : end + 1;
+    lines.push_back(whole.substr(at, end - at));
+    at = end;
+  }
+  auto starts = [](const std::string &line, const char *prefix) {
+    return line.compare(0, strlen(prefix), prefix) == 0;
+  };
+  size_t banner = 0, closing = lines.size();
+  while (banner < lines.size() && !starts(lines[banner], "=========== blew")) ++banner;
+  while (closing > banner && !starts(lines[closing - 1], "=========== above")) --closing;
+  if (banner == lines.size() || closing <= banner) {
+    ADD_FAILURE() << "rpk without arguments printed no help:\n" << whole;
+    return {};
+  }
+  --closing;
+  std::string head, section, tail;
+  for (size_t i = 0; i <= banner; ++i) head += lines[i];
+  for (size_t i = closing; i < lines.size(); ++i) tail += lines[i];
+  const std::string title = category + ": ";
+  bool in_section = false;
+  for (size_t i = banner + 1; i < closing; ++i) {
+    const std::string &l = lines[i];
+    const size_t digits = l.find_first_not_of("0123456789");
+    if (digits > 0 && digits != std::string::npos && l.compare(digits, 2, ": ") == 0) {
+      in_section = starts(l, title.c_str());
+    }
+    if (in_section) section += l;
+  }
+  if (section.empty()) {
+    ADD_FAILURE() << "the whole help has no section " << category;
+    return {};
+  }
+  return head + section + tail;
+}
+
 class E2eCase : public testing::Test {
  public:
   explicit E2eCase(Case c) : c_(std::move(c)) {}
@@ -235,14 +304,18 @@ class E2eCase : public testing::Test {
       std::vector<std::string> argv = {bin_dir + "/" + c_.bin};
       argv.insert(argv.end(), c_.args.begin(), c_.args.end());
       Result r = run(argv, env);
-      fs::path out_file = c_.cmd_file;
-      out_file.replace_extension(".out");
       EXPECT_EQ(r.status, 0) << r.err;
-      std::string got = mask_log_lines(r.out);
+      EXPECT_TRUE(fs::exists(c_.out_file)) << c_.out_file;
+      std::string want = read_all(c_.out_file);
+      if (!c_.help.empty()) want += category_help(c_.help);
+      // errno after a platform call is whatever the platform left there: it
+      // says nothing about the tool and differs between machines.
+      static const std::regex errno_value("errno: -?[0-9]+");
+      std::string got = std::regex_replace(mask_log_lines(r.out), errno_value, "errno: E");
       for (size_t at; (at = got.find(state)) != std::string::npos;) {
         got.replace(at, state.size(), "${RPK_SIM_DIR}");
       }
-      EXPECT_EQ(comparable(got, c_), comparable(read_all(out_file), c_)) << "stderr:\n" << r.err;
+      EXPECT_EQ(comparable(got, c_), comparable(want, c_)) << "stderr:\n" << r.err;
       for (const auto &s : c_.checks) {
         Result cr = shell(s);
         EXPECT_EQ(cr.status, 0) << "check failed: " << s << "\n" << cr.out << cr.err;

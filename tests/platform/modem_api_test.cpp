@@ -16,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/host/link/handshake.h"
 #include "platform/host/link/modem_api_wire.h"
 #include "platform/host/link/qmi_host_transport.h"
 
@@ -57,7 +58,8 @@ class FakeModem {
       return;
     }
     conn_ = fd;
-    send_packet(rpk_qmi::kCtlWelcome, 0, 0, {});
+    ASSERT_EQ(send(conn_, rpk_link::kWelcome.data(), rpk_link::kWelcome.size(), MSG_NOSIGNAL),
+              static_cast<ssize_t>(rpk_link::kWelcome.size()));
   }
 
   void send_packet(uint8_t ctl, uint16_t txn, uint16_t msg_id, const Bytes &body) {

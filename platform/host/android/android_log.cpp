@@ -32,13 +32,9 @@ rpk_host::BoundedLog &logcat() {
 
 }  // namespace
 
-extern "C" int __android_log_print(int prio, const char *tag, const char *fmt, ...) {
-  char msg[4096];
-  va_list ap;
-  va_start(ap, fmt);
-  vsnprintf(msg, sizeof msg, fmt, ap);
-  va_end(ap);
-
+// The three writers of AOSP's <android/log.h> that a native tool calls; one
+// logcat line per call.
+extern "C" int __android_log_write(int prio, const char *tag, const char *text) {
   timeval tv{};
   gettimeofday(&tv, nullptr);
   tm local{};
@@ -50,7 +46,7 @@ extern "C" int __android_log_print(int prio, const char *tag, const char *fmt, .
   int n = snprintf(line, sizeof line, "%s.%03ld %5d %5ld %c %s: %s\n", stamp,
                    static_cast<long>(tv.tv_usec / 1000), static_cast<int>(getpid()),
                    static_cast<long>(syscall(SYS_gettid)), priority_letter(prio),
-                   tag != nullptr ? tag : "", msg);
+                   tag != nullptr ? tag : "", text != nullptr ? text : "");
   if (n < 0) return n;
   size_t len = static_cast<size_t>(n) < sizeof line ? static_cast<size_t>(n) : sizeof line - 1;
   logcat().append(std::string_view(line, len));
@@ -58,4 +54,18 @@ extern "C" int __android_log_print(int prio, const char *tag, const char *fmt, .
     (void)!write(STDERR_FILENO, line, len);
   }
   return static_cast<int>(len);
+}
+
+extern "C" int __android_log_vprint(int prio, const char *tag, const char *fmt, va_list ap) {
+  char msg[4096];
+  vsnprintf(msg, sizeof msg, fmt, ap);
+  return __android_log_write(prio, tag, msg);
+}
+
+extern "C" int __android_log_print(int prio, const char *tag, const char *fmt, ...) {
+  va_list ap;
+  va_start(ap, fmt);
+  const int n = __android_log_vprint(prio, tag, fmt, ap);
+  va_end(ap);
+  return n;
 }

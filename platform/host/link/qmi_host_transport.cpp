@@ -1,13 +1,6 @@
 #include "platform/host/link/qmi_host_transport.h"
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include "platform/host/link/rpk_host.h"
 
@@ -39,42 +32,11 @@ std::string service_socket_path(uint32_t service_id) {
 }
 
 Join join_service(uint32_t service_id, int wait_ms, int *fd) {
-  return join_socket(service_socket_path(service_id), wait_ms, fd);
+  return rpk_link::join(service_socket_path(service_id), wait_ms, fd);
 }
 
 Join join_socket(const std::string &path, int wait_ms, int *fd) {
-  *fd = -1;
-  sockaddr_un addr{};
-  addr.sun_family = AF_UNIX;
-  if (path.size() >= sizeof addr.sun_path) return Join::kNotListening;
-  memcpy(addr.sun_path, path.c_str(), path.size() + 1);
-  int s = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-  if (s < 0) return Join::kNotListening;
-  if (connect(s, reinterpret_cast<sockaddr *>(&addr), sizeof addr) != 0) {
-    close(s);
-    return Join::kNotListening;
-  }
-  // The connect only reached the listen queue; the service decides once it
-  // accepts.
-  pollfd p{s, POLLIN, 0};
-  int ready;
-  while ((ready = poll(&p, 1, wait_ms)) < 0 && errno == EINTR) {
-  }
-  if (ready <= 0) {
-    close(s);
-    return Join::kSilent;
-  }
-  uint8_t packet[kHeaderLen + 1];
-  ssize_t n;
-  while ((n = recv(s, packet, sizeof packet, 0)) < 0 && errno == EINTR) {
-  }
-  Header h;
-  if (n <= 0 || !parse_header(packet, static_cast<size_t>(n), &h) || h.ctl != kCtlWelcome) {
-    close(s);
-    return Join::kRefused;
-  }
-  *fd = s;
-  return Join::kJoined;
+  return rpk_link::join(path, wait_ms, fd);
 }
 
 }  // namespace rpk_qmi

@@ -1,22 +1,20 @@
 // How host QMI clients and the simulated modem meet: one Unix-domain
 // SOCK_SEQPACKET socket per service in the host state directory, one QMI
-// message per packet in its wire form (7-byte header, then the TLVs). A
-// service opens every connection it takes on with a welcome; one it refuses is
-// closed before any packet.
+// message per packet in its wire form (7-byte header, then the TLVs), after
+// the link's handshake (platform/host/link/handshake.h).
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
+#include "platform/host/link/handshake.h"
+
 namespace rpk_qmi {
 
 inline constexpr uint8_t kCtlRequest = 0;
 inline constexpr uint8_t kCtlResponse = 2;
 inline constexpr uint8_t kCtlIndication = 4;
-// Host only: a bare header (txn, msg_id and len 0) that tells a connecting
-// client the service took it on.
-inline constexpr uint8_t kCtlWelcome = 0x80;
 inline constexpr size_t kHeaderLen = 7;
 inline constexpr size_t kMaxPacket = kHeaderLen + 0xFFFF;
 
@@ -24,7 +22,7 @@ inline constexpr size_t kMaxPacket = kHeaderLen + 0xFFFF;
 inline constexpr unsigned kHostInstance = 0;
 
 struct Header {
-  uint8_t ctl = 0;   // kCtlRequest, kCtlResponse, kCtlIndication or kCtlWelcome
+  uint8_t ctl = 0;   // kCtlRequest, kCtlResponse or kCtlIndication
   uint16_t txn = 0;  // per client, starts at 1, skips 0
   uint16_t msg_id = 0;
   uint16_t len = 0;  // length of the TLV area
@@ -40,18 +38,9 @@ bool parse_header(const uint8_t *packet, size_t n, Header *h);
 // <state dir>/qmi-<service id as 4+ hex digits>.sock
 std::string service_socket_path(uint32_t service_id);
 
-enum class Join {
-  kJoined,        // connected and welcomed
-  kNotListening,  // no service socket, or nobody listens there
-  kRefused,       // the service closed the connection instead of a welcome
-  kSilent,        // no welcome within the wait
-};
+using Join = rpk_link::Join;
 
-// Connects to the socket at `path` and waits up to wait_ms for its welcome.
-// *fd is the connection when kJoined, else -1 (nothing is left open).
-Join join_socket(const std::string &path, int wait_ms, int *fd);
-
-// join_socket on a QMI service's socket.
+// Joins a service at its socket (rpk_link::join).
 Join join_service(uint32_t service_id, int wait_ms, int *fd);
 // The same for any endpoint socket of the simulated modem that welcomes its
 // connections the same way (the diag channel).

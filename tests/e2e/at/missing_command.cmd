@@ -1,1 +1,3 @@
 args: 8
+help: 8
+out: extra_argument.out

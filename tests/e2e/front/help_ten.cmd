@@ -1,2 +1,3 @@
 # Past the last category.
 args: 10
+out: help_none.out

@@ -1,2 +1,3 @@
 # No id: the self-test refuses, the command prints FAIL and its help.
 args: 7 1
+help: 7

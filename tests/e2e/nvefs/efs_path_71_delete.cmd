@@ -3,3 +3,4 @@ setup: "$SIM" efs set 0 /nv/item_files/modem/velmar/pppppppppppppppppppppppppppp
 args: 4 6 0 /nv/item_files/modem/velmar/ppppppppppppppppppppppppppppppppppppppppppp
 check: python3 "$CASE_DIR/../journal.py" count 0
 check: "$SIM" efs get 0 /nv/item_files/modem/velmar/ppppppppppppppppppppppppppppppppppppppppppp >/dev/null
+help: 4

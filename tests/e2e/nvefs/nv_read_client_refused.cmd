@@ -7,3 +7,4 @@ check: python3 "$CASE_DIR/../journal.py" count 0
 check: test ! -s "$RPK_SIM_DIR/journal.jsonl"
 check: "$SIM" status | grep -q '"refused_clients": 1'
 check: "$RPK" 4 1 0 550 | grep -qx "data:  08 3A 65 39 08 53 46 83 90"
+help: 4

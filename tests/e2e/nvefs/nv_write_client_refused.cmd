@@ -4,3 +4,4 @@ setup: "$SIM" fault refuse-init --service extend
 args: 4 2 0 6853 9 9
 check: test ! -s "$RPK_SIM_DIR/journal.jsonl"
 check: test "$("$SIM" nv get 0 6853 | wc -w)" = 128
+help: 4

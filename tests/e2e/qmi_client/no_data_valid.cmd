@@ -3,3 +3,4 @@
 setup: "$SIM" fault no-data-valid
 args: 4 1 0 550
 check: python3 "$CASE_DIR/../journal.py" req 1 fault=no_data_valid
+help: 4

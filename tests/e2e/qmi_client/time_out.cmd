@@ -4,3 +4,4 @@ setup: "$SIM" fault delay 4500 --count 1
 args: 4 1 0 550
 check: python3 "$CASE_DIR/../journal.py" req 1 delay_ms=4500
 check: "$SIM" fault delay 4500 --count 1 && s=$(date +%s%N) && "$RPK" 4 1 0 550 >/dev/null && ms=$(( ($(date +%s%N) - s) / 1000000 )) && echo "$ms ms" && test $ms -ge 2950 -a $ms -lt 4000
+help: 4
