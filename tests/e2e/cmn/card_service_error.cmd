@@ -3,3 +3,4 @@
 setup: "$SIM" fault error 94 --request-id 4
 args: 5 2 0
 check: python3 "$CASE_DIR/../journal.py" req 1 fault=error
+help: 5

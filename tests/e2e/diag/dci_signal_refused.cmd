@@ -4,3 +4,4 @@ setup: "$SIM" fault error 1006 --service dci-signal
 args: 5 0 1 0 3000 0x1C
 check: python3 "$CASE_DIR/diag_journal.py" count 0
 check: python3 "$CASE_DIR/diag_journal.py" calls dci_register dci_signal
+help: 5

@@ -4,3 +4,4 @@
 setup: "$SIM" fault corrupt --patch 5:ffff
 args: 4 1 0 550
 check: python3 "$CASE_DIR/../journal.py" req 1 fault=corrupt
+help: 4

@@ -3,3 +3,4 @@
 setup: "$SIM" fault corrupt --msg-id 3
 args: 4 1 0 550
 check: python3 "$CASE_DIR/../journal.py" req 1 fault=corrupt
+help: 4
