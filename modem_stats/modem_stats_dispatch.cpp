@@ -6,9 +6,10 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "front/velmar_cmd_ids.h"
 #include "common/velmar_console.h"
+#include "front/velmar_cmd_ids.h"
 #include "front/velmar_help.h"
+#include "modem_stats/modem_stats_out.h"
 
 namespace {
 
@@ -106,7 +107,7 @@ bool run_parser(const std::array<Row, N> &table, uint16_t Row::*key, uint16_t id
   *stat_id = MODEM_STATS_NO_RECORD;
   *record = nullptr;
   if (payload == nullptr) {
-    printf("MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x%x)\n", g_pk_data_id);
+    modem_stats_printf("MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x%x)\n", g_pk_data_id);
     return false;
   }
   modem_stats_cursor_reset(id, payload);
@@ -147,15 +148,15 @@ std::span<const modem_stats_event_row> modem_stats_event_table() { return kEvent
 
 bool modem_stats_diag_process_log_rec(uint16_t log_code, uint8_t *payload, uint32_t *stat_id,
                                       modem_stats_single **record) {
-  printf("modem_stats_diag_process_log_ex: log_id 0x%x, length %d, sub_id = %d\n", log_code,
-         kPrintedLength, kPrintedSubId);
+  modem_stats_printf("modem_stats_diag_process_log_ex: log_id 0x%x, length %d, sub_id = %d\n",
+                     log_code, kPrintedLength, kPrintedSubId);
   return run_parser(kLogTable, &modem_stats_log_row::code, log_code, payload, stat_id, record);
 }
 
 bool modem_stats_diag_process_event_rec(uint16_t event_id, uint8_t *payload, uint32_t *stat_id,
                                         modem_stats_single **record) {
-  printf("modem_stats_diag_process_event_ex: event_id %d, length %d, sub_id = %d\n", event_id,
-         kPrintedLength, kPrintedSubId);
+  modem_stats_printf("modem_stats_diag_process_event_ex: event_id %d, length %d, sub_id = %d\n",
+                     event_id, kPrintedLength, kPrintedSubId);
   return run_parser(kEventTable, &modem_stats_event_row::id, event_id, payload, stat_id, record);
 }
 
@@ -174,8 +175,8 @@ int velmar_test_modem_stats_log_or_event(int argc, char **argv) {
   }
   const int type = atoi(argv[2]);
   const auto id = static_cast<uint16_t>(velmar_string_to_int(argv[3]));
-  printf("length = %d, type = %d, id = %d(0x%x)\n", static_cast<int>(kSelfTestPacket.size()), type,
-         id, id);
+  modem_stats_printf("length = %d, type = %d, id = %d(0x%x)\n",
+                     static_cast<int>(kSelfTestPacket.size()), type, id, id);
   // The parsers may read anywhere in the readable area: the packet sits at the
   // start of a zeroed area of that size rather than in a 108-byte buffer.
   std::array<uint8_t, MODEM_STATS_READABLE_LEN> area{};
