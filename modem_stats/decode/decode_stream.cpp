@@ -18,12 +18,21 @@ constexpr size_t kLogHeadLen = 4;    // cmd, more, u16 length
 constexpr size_t kLogItemHead = 12;  // u16 length, u16 code, u64 timestamp
 constexpr size_t kEventHeadLen = 3;  // cmd, u16 length
 
-constexpr std::array<uint16_t, 256> kCrcTable = [] {
-  std::array<uint16_t, 256> t{};
+// CRC tables for eight bytes at a time: kCrc[k][b] is the CRC step of byte b
+// followed by k zero bytes. Every frame is checked, so this is the reader's
+// hot loop.
+using crc_tables = std::array<std::array<uint16_t, 256>, 8>;
+constexpr crc_tables kCrc = [] {
+  crc_tables t{};
   for (unsigned i = 0; i < 256; ++i) {
     uint16_t c = static_cast<uint16_t>(i);
     for (int k = 0; k < 8; ++k) c = (c & 1) ? static_cast<uint16_t>((c >> 1) ^ 0x8408) : c >> 1;
-    t[i] = c;
+    t[0][i] = c;
+  }
+  for (size_t k = 1; k < t.size(); ++k) {
+    for (unsigned i = 0; i < 256; ++i) {
+      t[k][i] = static_cast<uint16_t>((t[k - 1][i] >> 8) ^ t[0][t[k - 1][i] & 0xFF]);
+    }
   }
   return t;
 }();
@@ -136,7 +145,14 @@ const char *decode_damage_name(decode_damage d) {
 
 uint16_t decode_crc16(std::span<const uint8_t> bytes) {
   uint16_t crc = 0xFFFF;
-  for (uint8_t b : bytes) crc = static_cast<uint16_t>((crc >> 8) ^ kCrcTable[(crc ^ b) & 0xFF]);
+  const uint8_t *p = bytes.data();
+  size_t n = bytes.size();
+  for (; n >= 8; n -= 8, p += 8) {
+    crc = static_cast<uint16_t>(kCrc[7][(crc ^ p[0]) & 0xFF] ^ kCrc[6][(crc >> 8) ^ p[1]] ^
+                                kCrc[5][p[2]] ^ kCrc[4][p[3]] ^ kCrc[3][p[4]] ^ kCrc[2][p[5]] ^
+                                kCrc[1][p[6]] ^ kCrc[0][p[7]]);
+  }
+  for (; n > 0; --n, ++p) crc = static_cast<uint16_t>((crc >> 8) ^ kCrc[0][(crc ^ *p) & 0xFF]);
   return static_cast<uint16_t>(crc ^ 0xFFFF);
 }
 
