@@ -70,9 +70,16 @@ class out_buffer {
   }
   void hex(std::span<const uint8_t> bytes) {
     static constexpr char kDigits[] = "0123456789abcdef";
-    for (uint8_t b : bytes) {
-      put(kDigits[b >> 4]);
-      put(kDigits[b & 0xF]);
+    while (!bytes.empty()) {
+      if (len_ + 2 > kSize) flush();
+      const size_t n = std::min(bytes.size(), (kSize - len_) / 2);
+      char *out = buf_.get() + len_;
+      for (uint8_t b : bytes.first(n)) {
+        *out++ = kDigits[b >> 4];
+        *out++ = kDigits[b & 0xF];
+      }
+      len_ += 2 * n;
+      bytes = bytes.subspan(n);
     }
   }
   void flush() {
@@ -100,13 +107,19 @@ class out_buffer {
 
 // JSON string contents: quote and backslash escaped, every byte outside
 // printable ASCII as \u00XX. `Out` is anything with append(text, n).
+constexpr std::array<bool, 256> kJsonPlain = [] {
+  std::array<bool, 256> t{};
+  for (int c = 0x20; c < 0x7F; ++c) t[c] = c != '"' && c != '\\';
+  return t;
+}();
+
 template <typename Out>
 void json_escape(Out &out, std::string_view s) {
   static constexpr char kDigits[] = "0123456789abcdef";
   size_t run = 0;
   for (size_t i = 0; i < s.size(); ++i) {
     const auto c = static_cast<unsigned char>(s[i]);
-    if (c >= 0x20 && c < 0x7F && c != '"' && c != '\\') continue;
+    if (kJsonPlain[c]) continue;
     out.append(s.data() + run, i - run);
     run = i + 1;
     if (c == '"' || c == '\\') {
@@ -131,20 +144,24 @@ class decoder {
  public:
   explicit decoder(bool json) : json_(json), out_(STDOUT_FILENO), slot_(kCodeSlots, 0) {
     fflush(stdout);
-    if (json_) {
-      lines_.reserve(4096);
-      modem_stats_bind_out([](void *ctx, const char *text,
-                              size_t n) { static_cast<std::string *>(ctx)->append(text, n); },
-                           &lines_);
-    } else {
-      modem_stats_bind_out([](void *ctx, const char *text,
-                              size_t n) { static_cast<out_buffer *>(ctx)->append(text, n); },
-                           &out_);
+    lines_.reserve(4096);
+    // The engine prints into a stdio stream of our own, flushed after each
+    // packet into lines_ (--json) or the output buffer: formatting stays on
+    // stdio's usual path and nothing leaves the process.
+    engine_ = fopencookie(this, "w", {nullptr, &decoder::engine_text, nullptr, nullptr});
+    if (engine_ != nullptr) {
+      setvbuf(engine_, nullptr, _IOFBF, 8192);
+      modem_stats_bind_out(engine_);
     }
   }
-  ~decoder() { modem_stats_bind_out(nullptr, nullptr); }
+  ~decoder() {
+    modem_stats_bind_out(nullptr);
+    if (engine_ != nullptr) fclose(engine_);
+  }
   decoder(const decoder &) = delete;
   decoder &operator=(const decoder &) = delete;
+
+  bool ready() const { return engine_ != nullptr; }
 
   // Names the input the following packets come from, and whether its
   // numbers count frames or lines.
@@ -158,7 +175,6 @@ class decoder {
   void flush() { out_.flush(); }
 
   void end() {
-    modem_stats_bind_out(nullptr, nullptr);
     const std::string counts = counts_text();
     if (json_) {
       out_.flush();
@@ -187,6 +203,7 @@ class decoder {
     } else {
       modem_stats_diag_process_log_rec(item.id, area_.data(), &stat_id, &record);
     }
+    fflush(engine_);
     const outcome o = record != nullptr                         ? kDecoded
                       : not_support_num != refused_before       ? kRefused
                       : modem_stats_failures() != failed_before ? kInvalid
@@ -228,6 +245,16 @@ class decoder {
   // Logs (0..0xFFFF) before events (0..0xFFF), each by code.
   static constexpr size_t kCodeSlots = 0x10000 + 0x1000;
   static constexpr size_t kDamageKinds = static_cast<size_t>(decode_damage::long_line) + 1;
+
+  static ssize_t engine_text(void *ctx, const char *text, size_t n) {
+    auto *d = static_cast<decoder *>(ctx);
+    if (d->json_) {
+      d->lines_.append(text, n);
+    } else {
+      d->out_.append(text, n);
+    }
+    return static_cast<ssize_t>(n);
+  }
 
   void count(const decode_item &item, outcome o) {
     uint32_t &slot = slot_[item.event ? 0x10000u + (item.id & 0x0FFFu) : item.id];
@@ -304,7 +331,8 @@ class decoder {
 
   bool json_;
   out_buffer out_;
-  std::string lines_;  // the engine's text for the packet at hand (--json)
+  FILE *engine_ = nullptr;  // what the engine prints to
+  std::string lines_;       // the engine's text for the packet at hand (--json)
   std::array<uint8_t, MODEM_STATS_READABLE_LEN> area_{};
   size_t dirty_ = 0;  // bytes of area_ the last payload filled
   std::string name_;
@@ -396,6 +424,10 @@ int rpk_decode_main(int argc, char **argv) {
   }
 
   decoder d(json);
+  if (!d.ready()) {
+    fputs("rpk-decode: cannot capture the engine's output\n", stderr);
+    return 1;
+  }
   std::vector<uint8_t> block(kBlockSize);
   int status = 0;
   for (const char *path : files) {
