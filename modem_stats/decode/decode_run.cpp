@@ -9,6 +9,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -64,9 +65,13 @@ class out_buffer {
   }
   void append(std::string_view s) { append(s.data(), s.size()); }
   void number(uint64_t v) {
-    char digits[24];
-    const int n = snprintf(digits, sizeof digits, "%" PRIu64, v);
-    append(digits, static_cast<size_t>(n));
+    char digits[20];
+    char *at = std::end(digits);
+    do {
+      *--at = static_cast<char>('0' + v % 10);
+      v /= 10;
+    } while (v != 0);
+    append(at, static_cast<size_t>(std::end(digits) - at));
   }
   void hex(std::span<const uint8_t> bytes) {
     static constexpr char kDigits[] = "0123456789abcdef";
@@ -113,15 +118,35 @@ constexpr std::array<bool, 256> kJsonPlain = [] {
   return t;
 }();
 
+// True when none of the eight bytes in `x` needs escaping: the engine's text
+// almost never does, so it is checked a word at a time.
+constexpr bool json_plain8(uint64_t x) {
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  constexpr uint64_t kHighs = 0x8080808080808080;
+  auto has_zero = [](uint64_t v) { return (v - kOnes) & ~v & kHighs; };
+  const uint64_t below_space = (x - kOnes * 0x20) & ~x & kHighs;
+  return ((x & kHighs) | below_space | has_zero(x ^ (kOnes * 0x7F)) | has_zero(x ^ (kOnes * '"')) |
+          has_zero(x ^ (kOnes * '\\'))) == 0;
+}
+
 template <typename Out>
 void json_escape(Out &out, std::string_view s) {
   static constexpr char kDigits[] = "0123456789abcdef";
   size_t run = 0;
-  for (size_t i = 0; i < s.size(); ++i) {
-    const auto c = static_cast<unsigned char>(s[i]);
+  size_t i = 0;
+  while (i < s.size()) {
+    uint64_t word;
+    if (s.size() - i >= sizeof word) {
+      memcpy(&word, s.data() + i, sizeof word);
+      if (json_plain8(word)) {
+        i += sizeof word;
+        continue;
+      }
+    }
+    const auto c = static_cast<unsigned char>(s[i++]);
     if (kJsonPlain[c]) continue;
-    out.append(s.data() + run, i - run);
-    run = i + 1;
+    out.append(s.data() + run, i - 1 - run);
+    run = i;
     if (c == '"' || c == '\\') {
       const char esc[2] = {'\\', static_cast<char>(c)};
       out.append(esc, sizeof esc);
@@ -135,9 +160,18 @@ void json_escape(Out &out, std::string_view s) {
 
 // The code column: "E<id>" for an event, four hex digits for a log code.
 std::string_view code_label(bool event, uint16_t id, char (&buf)[8]) {
-  const int n = event ? snprintf(buf, sizeof buf, "E%u", static_cast<unsigned>(id))
-                      : snprintf(buf, sizeof buf, "%04X", static_cast<unsigned>(id));
-  return {buf, static_cast<size_t>(n)};
+  if (!event) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    for (int i = 0; i < 4; ++i) buf[i] = kDigits[(id >> (12 - 4 * i)) & 0xF];
+    return {buf, 4};
+  }
+  char *at = std::end(buf);
+  do {
+    *--at = static_cast<char>('0' + id % 10);
+    id = static_cast<uint16_t>(id / 10);
+  } while (id != 0);
+  *--at = 'E';
+  return {at, static_cast<size_t>(std::end(buf) - at)};
 }
 
 class decoder {

@@ -18,10 +18,10 @@ constexpr size_t kLogHeadLen = 4;    // cmd, more, u16 length
 constexpr size_t kLogItemHead = 12;  // u16 length, u16 code, u64 timestamp
 constexpr size_t kEventHeadLen = 3;  // cmd, u16 length
 
-// CRC tables for eight bytes at a time: kCrc[k][b] is the CRC step of byte b
-// followed by k zero bytes. Every frame is checked, so this is the reader's
+// CRC tables for sixteen bytes at a time: kCrc[k][b] is the CRC step of byte
+// b followed by k zero bytes. Every frame is checked, so this is the reader's
 // hot loop.
-using crc_tables = std::array<std::array<uint16_t, 256>, 8>;
+using crc_tables = std::array<std::array<uint16_t, 256>, 16>;
 constexpr crc_tables kCrc = [] {
   crc_tables t{};
   for (unsigned i = 0; i < 256; ++i) {
@@ -147,10 +147,10 @@ uint16_t decode_crc16(std::span<const uint8_t> bytes) {
   uint16_t crc = 0xFFFF;
   const uint8_t *p = bytes.data();
   size_t n = bytes.size();
-  for (; n >= 8; n -= 8, p += 8) {
-    crc = static_cast<uint16_t>(kCrc[7][(crc ^ p[0]) & 0xFF] ^ kCrc[6][(crc >> 8) ^ p[1]] ^
-                                kCrc[5][p[2]] ^ kCrc[4][p[3]] ^ kCrc[3][p[4]] ^ kCrc[2][p[5]] ^
-                                kCrc[1][p[6]] ^ kCrc[0][p[7]]);
+  for (; n >= 16; n -= 16, p += 16) {
+    uint16_t c = static_cast<uint16_t>(kCrc[15][(crc ^ p[0]) & 0xFF] ^ kCrc[14][(crc >> 8) ^ p[1]]);
+    for (size_t k = 2; k < 16; ++k) c ^= kCrc[15 - k][p[k]];
+    crc = c;
   }
   for (; n > 0; --n, ++p) crc = static_cast<uint16_t>((crc >> 8) ^ kCrc[0][(crc ^ *p) & 0xFF]);
   return static_cast<uint16_t>(crc ^ 0xFFFF);
@@ -330,12 +330,15 @@ decode_line_kind decode_text_line(std::string_view line, bool *event, uint16_t *
   if (hex.size() % 2 != 0) return decode_line_kind::bad;
   payload->resize(hex.size() / 2);
   uint8_t *out = payload->data();
+  // Checked once at the end rather than per digit: the loop stays branch-free.
+  uint8_t seen = 0;
   for (size_t i = 0; i < hex.size(); i += 2) {
     const uint8_t hi = kHexValue[static_cast<uint8_t>(hex[i])];
     const uint8_t lo = kHexValue[static_cast<uint8_t>(hex[i + 1])];
-    if ((hi | lo) > 0xF) return decode_line_kind::bad;
+    seen |= hi | lo;
     *out++ = static_cast<uint8_t>(hi << 4 | lo);
   }
+  if (seen > 0xF) return decode_line_kind::bad;
   return decode_line_kind::item;
 }
 

@@ -289,6 +289,35 @@ TEST(RpkDecode, StdinAndCapturesLargerThanABlock) {
   unlink(big_path.c_str());
 }
 
+TEST(RpkDecode, JsonEscapesTheSourceName) {
+  const Bytes frame = hdlc(event_report({event(631, {0x01, 0x07}, true)}));
+  struct {
+    std::string name;  // appended to a temporary directory
+    std::string escaped;
+  } const cases[] = {
+      {"plain-name.qmdl", "plain-name.qmdl"},
+      {"q\"uote\\back", "q\\\"uote\\\\back"},
+      {"ctl\x01\x1f\x7f-and-a-longer-tail", "ctl\\u0001\\u001f\\u007f-and-a-longer-tail"},
+      {"\xc3\xa9t\xc3\xa9-8-bytes\"", "\\u00c3\\u00a9t\\u00c3\\u00a9-8-bytes\\\""},
+  };
+  char dir[] = "/tmp/rpk-decode-names-XXXXXX";
+  ASSERT_NE(mkdtemp(dir), nullptr);
+  for (const auto &c : cases) {
+    const std::string path = std::string(dir) + "/" + c.name;
+    FILE *f = fopen(path.c_str(), "wb");
+    ASSERT_NE(f, nullptr) << c.escaped;
+    fwrite(frame.data(), 1, frame.size(), f);
+    fclose(f);
+    int status = -1;
+    const std::string out = run_decode({"--json", path}, &status);
+    EXPECT_NE(out.find("\"source\": \"" + std::string(dir) + "/" + c.escaped + ":frame 1\"}\n"),
+              std::string::npos)
+        << out;
+    unlink(path.c_str());
+  }
+  rmdir(dir);
+}
+
 // The --json objects rpk-decode printed before its engine output was captured
 // in memory: each packet dispatched with the engine printing to stdout, the
 // text cut into lines and escaped byte by byte.
