@@ -39,6 +39,26 @@ constexpr const char *kUsage =
     "  --json  one JSON object per packet, one per line; counts go to stderr\n"
     "  --text, --hdlc  take every FILE as that form instead of guessing\n";
 
+// `v` in decimal, at the end of `buf`.
+std::string_view decimal(uint64_t v, char (&buf)[20]) {
+  char *at = std::end(buf);
+  do {
+    *--at = static_cast<char>('0' + v % 10);
+    v /= 10;
+  } while (v != 0);
+  return {at, static_cast<size_t>(std::end(buf) - at)};
+}
+
+// Two lower-case hex digits per byte at `out`; returns the end.
+char *hex_into(char *out, std::span<const uint8_t> bytes) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  for (uint8_t b : bytes) {
+    *out++ = kDigits[b >> 4];
+    *out++ = kDigits[b & 0xF];
+  }
+  return out;
+}
+
 // Everything the tool writes to stdout goes through one buffer, written out
 // when full: a system call per 64 KiB rather than per packet.
 class out_buffer {
@@ -66,24 +86,13 @@ class out_buffer {
   void append(std::string_view s) { append(s.data(), s.size()); }
   void number(uint64_t v) {
     char digits[20];
-    char *at = std::end(digits);
-    do {
-      *--at = static_cast<char>('0' + v % 10);
-      v /= 10;
-    } while (v != 0);
-    append(at, static_cast<size_t>(std::end(digits) - at));
+    append(decimal(v, digits));
   }
   void hex(std::span<const uint8_t> bytes) {
-    static constexpr char kDigits[] = "0123456789abcdef";
     while (!bytes.empty()) {
       if (len_ + 2 > kSize) flush();
       const size_t n = std::min(bytes.size(), (kSize - len_) / 2);
-      char *out = buf_.get() + len_;
-      for (uint8_t b : bytes.first(n)) {
-        *out++ = kDigits[b >> 4];
-        *out++ = kDigits[b & 0xF];
-      }
-      len_ += 2 * n;
+      len_ = static_cast<size_t>(hex_into(buf_.get() + len_, bytes.first(n)) - buf_.get());
       bytes = bytes.subspan(n);
     }
   }
@@ -165,13 +174,11 @@ std::string_view code_label(bool event, uint16_t id, char (&buf)[8]) {
     for (int i = 0; i < 4; ++i) buf[i] = kDigits[(id >> (12 - 4 * i)) & 0xF];
     return {buf, 4};
   }
-  char *at = std::end(buf);
-  do {
-    *--at = static_cast<char>('0' + id % 10);
-    id = static_cast<uint16_t>(id / 10);
-  } while (id != 0);
-  *--at = 'E';
-  return {at, static_cast<size_t>(std::end(buf) - at)};
+  char digits[20];
+  const std::string_view n = decimal(id, digits);
+  buf[0] = 'E';
+  std::copy(n.begin(), n.end(), buf + 1);
+  return {buf, n.size() + 1};
 }
 
 class decoder {
@@ -184,7 +191,7 @@ class decoder {
     // stdio's usual path and nothing leaves the process.
     engine_ = fopencookie(this, "w", {nullptr, &decoder::engine_text, nullptr, nullptr});
     if (engine_ != nullptr) {
-      setvbuf(engine_, nullptr, _IOFBF, 8192);
+      setvbuf(engine_, nullptr, _IOFBF, json_ ? 8192 : 65536);
       modem_stats_bind_out(engine_);
     }
   }
@@ -206,10 +213,14 @@ class decoder {
     unit_ = frames ? ":frame " : ":";
   }
 
-  void flush() { out_.flush(); }
+  void flush() {
+    fflush(engine_);
+    out_.flush();
+  }
 
   void end() {
     const std::string counts = counts_text();
+    fflush(engine_);
     if (json_) {
       out_.flush();
       fputs(counts.c_str(), stderr);
@@ -237,7 +248,6 @@ class decoder {
     } else {
       modem_stats_diag_process_log_rec(item.id, area_.data(), &stat_id, &record);
     }
-    fflush(engine_);
     const outcome o = record != nullptr                         ? kDecoded
                       : not_support_num != refused_before       ? kRefused
                       : modem_stats_failures() != failed_before ? kInvalid
@@ -246,19 +256,10 @@ class decoder {
     char label[8];
     const std::string_view code = code_label(item.event, item.id, label);
     if (json_) {
+      fflush(engine_);
       emit_json(code, record, where, o);
     } else {
-      out_.append("=> ");
-      out_.append(code);
-      out_.put(' ');
-      out_.append(kOutcomeNames[o]);
-      if (record != nullptr) {
-        out_.append(": stat_id ");
-        out_.number(record->stat_id);
-        out_.append(", record ");
-        out_.hex({record->data, static_cast<size_t>(record->data_len)});
-      }
-      out_.put('\n');
+      verdict(code, record, o);
     }
     modem_stats_free_single(record);
   }
@@ -279,6 +280,28 @@ class decoder {
   // Logs (0..0xFFFF) before events (0..0xFFF), each by code.
   static constexpr size_t kCodeSlots = 0x10000 + 0x1000;
   static constexpr size_t kDamageKinds = static_cast<size_t>(decode_damage::long_line) + 1;
+
+  // Plain output: the verdict line follows the engine's lines in the
+  // engine's own stream, which then needs no flush per packet.
+  void verdict(std::string_view code, const modem_stats_single *record, outcome o) {
+    char line[2 * MODEM_STATS_PK_MAX + 64];
+    char *at = line;
+    auto put = [&at](std::string_view s) { at = std::copy(s.begin(), s.end(), at); };
+    put("=> ");
+    put(code);
+    put(" ");
+    put(kOutcomeNames[o]);
+    if (record != nullptr) {
+      char digits[20];
+      put(": stat_id ");
+      put(decimal(record->stat_id, digits));
+      put(", record ");
+      const auto len = std::clamp<int32_t>(record->data_len, 0, MODEM_STATS_PK_MAX);
+      at = hex_into(at, {record->data, static_cast<size_t>(len)});
+    }
+    *at++ = '\n';
+    fwrite_unlocked(line, 1, static_cast<size_t>(at - line), engine_);
+  }
 
   static ssize_t engine_text(void *ctx, const char *text, size_t n) {
     auto *d = static_cast<decoder *>(ctx);
