@@ -119,8 +119,7 @@ class out_buffer {
   size_t len_ = 0;
 };
 
-// JSON string contents: quote and backslash escaped, every byte outside
-// printable ASCII as \u00XX. `Out` is anything with append(text, n).
+// The bytes a JSON string holds as they are.
 constexpr std::array<bool, 256> kJsonPlain = [] {
   std::array<bool, 256> t{};
   for (int c = 0x20; c < 0x7F; ++c) t[c] = c != '"' && c != '\\';
@@ -138,6 +137,8 @@ constexpr bool json_plain8(uint64_t x) {
           has_zero(x ^ (kOnes * '\\'))) == 0;
 }
 
+// JSON string contents: quote and backslash escaped, every byte outside
+// printable ASCII as \u00XX. `Out` is anything with append(text, n).
 template <typename Out>
 void json_escape(Out &out, std::string_view s) {
   static constexpr char kDigits[] = "0123456789abcdef";
@@ -186,9 +187,10 @@ class decoder {
   explicit decoder(bool json) : json_(json), out_(STDOUT_FILENO), slot_(kCodeSlots, 0) {
     fflush(stdout);
     lines_.reserve(4096);
-    // The engine prints into a stdio stream of our own, flushed after each
-    // packet into lines_ (--json) or the output buffer: formatting stays on
-    // stdio's usual path and nothing leaves the process.
+    // The engine prints into a stdio stream of our own: with --json it is
+    // flushed into lines_ after each packet; plain, it carries the verdicts
+    // too and empties into the output buffer when full. Formatting stays on
+    // stdio's usual path and nothing leaves the process on the way.
     engine_ = fopencookie(this, "w", {nullptr, &decoder::engine_text, nullptr, nullptr});
     if (engine_ != nullptr) {
       setvbuf(engine_, nullptr, _IOFBF, json_ ? 8192 : 65536);
