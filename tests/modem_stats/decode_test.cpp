@@ -162,6 +162,34 @@ TEST(DecodeReaders, CrcMatchesTheBitwiseDefinition) {
   }
 }
 
+TEST(DecodeReaders, TextLineHexDigitsAnywhere) {
+  std::vector<uint8_t> payload;
+  bool event = false;
+  uint16_t id = 0;
+  // A long payload of every digit in both cases decodes.
+  std::string hex;
+  Bytes expected;
+  for (int i = 0; i < 37; ++i) {
+    const auto b = static_cast<uint8_t>(i * 53 + 7);
+    char two[3];
+    snprintf(two, sizeof two, i % 2 ? "%02x" : "%02X", b);
+    hex += two;
+    expected.push_back(b);
+  }
+  ASSERT_EQ(decode_text_line("B193 " + hex, &event, &id, &payload), decode_line_kind::item);
+  EXPECT_EQ(payload, expected);
+  // Any byte next to the digits' ranges, at every position, makes the line bad.
+  for (const char bad : {'/', ':', '@', 'G', '`', 'g', 'z', ' ', '\x7f', '\x80', '\xb0', '\xff'}) {
+    for (size_t at = 0; at < 24; ++at) {
+      std::string line = "B193 " + hex.substr(0, 24);
+      line[5 + at] = bad;
+      if (bad == ' ' && (at == 0 || at == 23)) continue;  // blanks at the ends are trimmed
+      EXPECT_EQ(decode_text_line(line, &event, &id, &payload), decode_line_kind::bad)
+          << static_cast<int>(static_cast<uint8_t>(bad)) << " at " << at;
+    }
+  }
+}
+
 // What a reader hands over, as text: one line per item, damage or other frame.
 struct recorder {
   std::string log;
