@@ -182,15 +182,15 @@ uint16_t decode_crc16(std::span<const uint8_t> bytes) {
 }
 
 decode_hdlc_reader::decode_hdlc_reader(const decode_sink &sink)
-    : sink_(sink), frame_(decode_max_frame) {}
+    : sink_(sink), frame_(new uint8_t[decode_max_frame]) {}
 
 void decode_hdlc_reader::append(const uint8_t *bytes, size_t n) {
   if (too_long_) return;
-  if (n > frame_.size() - len_) {
+  if (n > decode_max_frame - len_) {
     too_long_ = true;
     return;
   }
-  memcpy(frame_.data() + len_, bytes, n);
+  memcpy(frame_.get() + len_, bytes, n);
   len_ += n;
 }
 
@@ -202,7 +202,7 @@ void decode_hdlc_reader::end_frame() {
   } else if (escaped_) {
     sink_.damage(decode_damage::bad_escape, frames_);
   } else {
-    check_frame(std::span(frame_).first(len_), frames_, sink_);
+    check_frame({frame_.get(), len_}, frames_, sink_);
   }
   len_ = 0;
   escaped_ = false;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -68,7 +69,7 @@ class decode_hdlc_reader {
   void end_frame();
 
   const decode_sink &sink_;
-  std::vector<uint8_t> frame_;  // decode_max_frame bytes, of which len_ are used
+  std::unique_ptr<uint8_t[]> frame_;  // decode_max_frame bytes, of which len_ are used
   size_t len_ = 0;
   size_t frames_ = 0;
   bool escaped_ = false;
