@@ -76,7 +76,7 @@ class out_buffer {
     if (n > kSize - len_) {
       flush();
       if (n > kSize) {
-        write_all(text, n);
+        write_through(text, n);
         return;
       }
     }
@@ -97,14 +97,11 @@ class out_buffer {
     }
   }
   void flush() {
-    write_all(buf_.get(), len_);
+    write_through(buf_.get(), len_);
     len_ = 0;
   }
-
- private:
-  static constexpr size_t kSize = 64 * 1024;
-
-  void write_all(const char *p, size_t n) {
+  // Writes at once, past the buffer (flush first to keep the order).
+  void write_through(const char *p, size_t n) {
     while (n > 0) {
       const ssize_t w = write(fd_, p, n);
       if (w < 0 && errno == EINTR) continue;
@@ -113,6 +110,9 @@ class out_buffer {
       n -= static_cast<size_t>(w);
     }
   }
+
+ private:
+  static constexpr size_t kSize = 64 * 1024;
 
   int fd_;
   std::unique_ptr<char[]> buf_;
@@ -310,7 +310,9 @@ class decoder {
     if (d->json_) {
       d->lines_.append(text, n);
     } else {
-      d->out_.append(text, n);
+      // A full stream buffer goes out as it is, not through a second copy.
+      d->out_.flush();
+      d->out_.write_through(text, n);
     }
     return static_cast<ssize_t>(n);
   }
