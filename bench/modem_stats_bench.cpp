@@ -4,15 +4,27 @@
 // floor that only copies the same bytes into the readable area, as
 // rpk-decode does before each dispatch. The engine prints every packet; the
 // printing goes to /dev/null and is part of what is measured.
+//
+// The same mixed set, written as an HDLC capture and in the text form, then
+// goes through the whole of rpk-decode (reading the file, deframing or
+// parsing, the engine, plain or JSON output to /dev/null). The run ends with
+// the decoding rates as shares of the engine's dispatch rate.
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <map>
+#include <string>
 #include <vector>
 
 #include "bench/quiet_stdout.h"
+#include "modem_stats/decode/decode_run.h"
 #include "modem_stats/logs/golden.h"
 #include "modem_stats/modem_stats_dispatch.h"
+#include "support/diag_capture.h"
 
 namespace {
 
@@ -144,15 +156,134 @@ void copy_floor(benchmark::State &state, const std::vector<packet> &set) {
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(set.size()));
 }
 
+// The mixed set repeated, so one decoding run's start-up is spread over
+// many packets, as in a real capture.
+constexpr int kCaptureRepeats = 64;
+
+std::string write_capture(bool text) {
+  std::string path = (getenv("TMPDIR") != nullptr ? getenv("TMPDIR") : "/tmp");
+  path += "/rpk-decode-bench-XXXXXX";
+  const int fd = mkstemp(path.data());
+  FILE *f = fd >= 0 ? fdopen(fd, "wb") : nullptr;
+  if (f == nullptr) return "";
+  const std::vector<packet> set = mixed_set();
+  for (int r = 0; r < kCaptureRepeats; ++r) {
+    for (const packet &p : set) {
+      if (text) {
+        fprintf(f, p.event ? "E%u " : "%04X ", static_cast<unsigned>(p.id));
+        for (uint8_t b : p.payload) fprintf(f, "%02x", b);
+        fputc('\n', f);
+      } else {
+        const auto frame = diag_capture::hdlc(
+            p.event ? diag_capture::event_report({diag_capture::event(p.id, p.payload, false)})
+                    : diag_capture::log_packet(p.id, p.payload));
+        fwrite(frame.data(), 1, frame.size(), f);
+      }
+    }
+  }
+  fclose(f);
+  return path;
+}
+
+// The captures live for the whole run and are removed at its end.
+struct capture_files {
+  std::string hdlc = write_capture(false);
+  std::string text = write_capture(true);
+  ~capture_files() {
+    unlink(hdlc.c_str());
+    unlink(text.c_str());
+  }
+};
+
+const capture_files &captures() {
+  static const capture_files files;
+  return files;
+}
+
+void decode_capture(benchmark::State &state, const std::string &path, bool json) {
+  if (path.empty()) {
+    state.SkipWithError("cannot write the capture");
+    return;
+  }
+  std::vector<std::string> args = {"rpk-decode", path};
+  if (json) args.insert(args.begin() + 1, "--json");
+  std::vector<char *> argv;
+  for (auto &a : args) argv.push_back(a.data());
+  quiet_stdout quiet;
+  quiet_stdout quiet_err(STDERR_FILENO);  // --json puts its counts there
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(rpk_decode_main(static_cast<int>(argv.size()), argv.data()));
+  }
+  state.SetItemsProcessed(state.iterations() * kCaptureRepeats *
+                          static_cast<int64_t>(mixed_set().size()));
+}
+
 void BM_DispatchMixed(benchmark::State &state) { dispatch_all(state, mixed_set()); }
 void BM_CopyFloorMixed(benchmark::State &state) { copy_floor(state, mixed_set()); }
 void BM_DispatchGolden(benchmark::State &state) { dispatch_all(state, golden_set()); }
 void BM_CopyFloorGolden(benchmark::State &state) { copy_floor(state, golden_set()); }
+void BM_DecodePlainHdlc(benchmark::State &state) { decode_capture(state, captures().hdlc, false); }
+void BM_DecodeJsonHdlc(benchmark::State &state) { decode_capture(state, captures().hdlc, true); }
+void BM_DecodePlainText(benchmark::State &state) { decode_capture(state, captures().text, false); }
+void BM_DecodeJsonText(benchmark::State &state) { decode_capture(state, captures().text, true); }
 BENCHMARK(BM_DispatchMixed);
 BENCHMARK(BM_CopyFloorMixed);
 BENCHMARK(BM_DispatchGolden);
 BENCHMARK(BM_CopyFloorGolden);
+BENCHMARK(BM_DecodePlainHdlc);
+BENCHMARK(BM_DecodeJsonHdlc);
+BENCHMARK(BM_DecodePlainText);
+BENCHMARK(BM_DecodeJsonText);
+
+// The console report, keeping each benchmark's packet rate for the ratios.
+class rate_reporter : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run> &runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run &run : runs) {
+      // With repetitions, the median stands for the benchmark.
+      if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median") continue;
+      const auto it = run.counters.find("items_per_second");
+      if (it != run.counters.end()) rates_[run.run_name.function_name] = it->second.value;
+    }
+  }
+
+  // Each decoding rate against the engine's dispatch rate on the same set.
+  void print_ratios() const {
+    const auto engine = rates_.find("BM_DispatchMixed");
+    if (engine == rates_.end() || engine->second <= 0) return;
+    struct target {
+      const char *name;
+      double share;
+    };
+    printf("\nrate / engine dispatch rate (mixed set, %.0f packets/s):\n", engine->second);
+    for (const target &t : {target{"BM_CopyFloorMixed", 0}, target{"BM_DecodePlainHdlc", 0.70},
+                            target{"BM_DecodeJsonHdlc", 0.50}, target{"BM_DecodePlainText", 0.70},
+                            target{"BM_DecodeJsonText", 0.50}}) {
+      const auto it = rates_.find(t.name);
+      if (it == rates_.end()) continue;
+      const double r = it->second / engine->second;
+      if (t.share > 0) {
+        printf("  %-20s %6.2f  (target >= %.2f: %s)\n", t.name, r, t.share,
+               r >= t.share ? "met" : "MISSED");
+      } else {
+        printf("  %-20s %6.2f\n", t.name, r);
+      }
+    }
+  }
+
+ private:
+  std::map<std::string, double> rates_;
+};
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char **argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  rate_reporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  reporter.print_ratios();
+  benchmark::Shutdown();
+  return 0;
+}

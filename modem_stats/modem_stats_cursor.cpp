@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "common/velmar_bytes.h"
+#include "modem_stats/modem_stats_out.h"
 
 int g_pk_data_id = 0;
 int g_pk_data_len = 0;
@@ -47,20 +48,20 @@ uint64_t load_le(int64_t at, int n) {
 // word read of a bit field names "<field>_tmp").
 bool unpk_raw(const char *name, const char *suffix, int n, uint64_t *out) {
   if (g_pk_data_ptr == nullptr) {
-    printf("MODEM_STATS_DATA_UNPK, g_pk_data_ptr is NULL, name: %s%s, id(0x%x)\n", name, suffix,
-           g_pk_data_id);
+    modem_stats_printf("MODEM_STATS_DATA_UNPK, g_pk_data_ptr is NULL, name: %s%s, id(0x%x)\n", name,
+                       suffix, g_pk_data_id);
     return failed();
   }
   if (g_pk_data_left < n) {
-    printf("g_pk_data_left(%d) is not enough for %s%s, id(0x%x)\n", g_pk_data_left, name, suffix,
-           g_pk_data_id);
+    modem_stats_printf("g_pk_data_left(%d) is not enough for %s%s, id(0x%x)\n", g_pk_data_left,
+                       name, suffix, g_pk_data_id);
     return failed();
   }
   if (g_pK_DATA_CNT < 0) {
     // The count printed is what is left, not the count itself: the tool has
     // always printed it this way.
-    printf("g_pK_DATA_CNT(%d) is can not < 0 for %s%s, id(0x%x)\n", g_pk_data_left, name, suffix,
-           g_pk_data_id);
+    modem_stats_printf("g_pK_DATA_CNT(%d) is can not < 0 for %s%s, id(0x%x)\n", g_pk_data_left,
+                       name, suffix, g_pk_data_id);
     return failed();
   }
   *out = load_le(static_cast<int64_t>(g_unpk_byte_base) + g_pK_DATA_CNT, n);
@@ -79,7 +80,7 @@ int64_t sign_extend(uint64_t v, int bits) {
 
 bool modem_stats_new_single_ex(uint32_t stat_id, int32_t data_len, modem_stats_single **out) {
   if (data_len < 1 || data_len > MODEM_STATS_PK_MAX) {
-    printf("data_len(%d) should be in (0, %d]", data_len, MODEM_STATS_PK_MAX);
+    modem_stats_printf("data_len(%d) should be in (0, %d]", data_len, MODEM_STATS_PK_MAX);
     return failed();
   }
   assert(out != nullptr);
@@ -139,14 +140,15 @@ bool modem_stats_version_gate(uint32_t version, std::span<const uint32_t> accept
     if (v == version) return true;
   }
   ++not_support_num;
-  printf("VERSION_NOT_SUPPORT, version(%d), not_support_num(%" PRIu64 "), name(%s), id(0x%x)\n",
-         static_cast<int>(version), not_support_num, name, g_pk_data_id);
+  modem_stats_printf("VERSION_NOT_SUPPORT, version(%d), not_support_num(%" PRIu64
+                     "), name(%s), id(0x%x)\n",
+                     static_cast<int>(version), not_support_num, name, g_pk_data_id);
   return false;
 }
 
 bool modem_stats_not_valid(int64_t value, const char *name) {
-  printf("DATA_IS_NOT_VALID(%d), name(%s), id(0x%x)\n", static_cast<int>(value), name,
-         g_pk_data_id);
+  modem_stats_printf("DATA_IS_NOT_VALID(%d), name(%s), id(0x%x)\n", static_cast<int>(value), name,
+                     g_pk_data_id);
   return failed();
 }
 
@@ -158,7 +160,7 @@ void modem_stats_base_with_bit() {
 
 bool modem_stats_base_to_bit(int bit) {
   if (bit < 0) {
-    printf("BASE_WITH_BIT, bit(%d) should >= 0, id(0x%x)\n", bit, g_pk_data_id);
+    modem_stats_printf("BASE_WITH_BIT, bit(%d) should >= 0, id(0x%x)\n", bit, g_pk_data_id);
     return failed();
   }
   g_unpk_bit_pos = bit;
@@ -173,8 +175,8 @@ bool modem_stats_unpk_bits(const modem_stats_field &f, int extra_bits, int64_t *
   const int64_t pos = abs / 8 - g_unpk_byte_base;
   const int shift = static_cast<int>(abs - 8 * (abs / 8));
   if (pos < 0 || pos >= g_pk_data_len) {
-    printf("UNPK_SET_POS, pos(%d) should be[0, %d), id(0x%x)\n", static_cast<int>(pos),
-           g_pk_data_len, g_pk_data_id);
+    modem_stats_printf("UNPK_SET_POS, pos(%d) should be[0, %d), id(0x%x)\n", static_cast<int>(pos),
+                       g_pk_data_len, g_pk_data_id);
     return failed();
   }
   g_pK_DATA_CNT = static_cast<int>(pos);
@@ -187,20 +189,20 @@ bool modem_stats_unpk_bits(const modem_stats_field &f, int extra_bits, int64_t *
   const int low = shift + 1;
   const int high = shift + f.width;
   if (low < 1 || low > 64) {
-    printf("UNPK_MID, low(%d) should be in [1, %d] for %s, id(0x%x)\n", low, 64, f.name,
-           g_pk_data_id);
+    modem_stats_printf("UNPK_MID, low(%d) should be in [1, %d] for %s, id(0x%x)\n", low, 64, f.name,
+                       g_pk_data_id);
     return failed();
   }
   if (high < 1 || high > 64) {
-    printf("UNPK_MID, high(%d) should be in [1, %d] for %s, id(0x%x)\n", high, 64, f.name,
-           g_pk_data_id);
+    modem_stats_printf("UNPK_MID, high(%d) should be in [1, %d] for %s, id(0x%x)\n", high, 64,
+                       f.name, g_pk_data_id);
     return failed();
   }
   if (f.check_high) {
     const int bit_num = 64 - shift;
     if (bit_num < 1 || bit_num > 64) {
-      printf("UNPK_HIGH, bit_num(%d) should be in [1, %d] for %s, id(0x%x)\n", bit_num, 64, f.name,
-             g_pk_data_id);
+      modem_stats_printf("UNPK_HIGH, bit_num(%d) should be in [1, %d] for %s, id(0x%x)\n", bit_num,
+                         64, f.name, g_pk_data_id);
       return failed();
     }
   }
@@ -223,14 +225,15 @@ void modem_stats_pk_begin() {
 
 bool modem_stats_pk(const char *name, uint64_t value, int width) {
   if (g_pk_data_ptr == nullptr) {
-    printf("MODEM_STATS_DATA_PK, g_pk_data_ptr is NULL, name: %s, id(0x%x)\n", name, g_pk_data_id);
+    modem_stats_printf("MODEM_STATS_DATA_PK, g_pk_data_ptr is NULL, name: %s, id(0x%x)\n", name,
+                       g_pk_data_id);
     return failed();
   }
   // Only the start is checked: a wide field at the end may run past 700, and
   // the record maker then refuses the length.
   if (g_pK_DATA_CNT >= MODEM_STATS_PK_MAX) {
-    printf("Cur(%d) reached max(%d), for %s, id(0x%x)\n", g_pK_DATA_CNT, MODEM_STATS_PK_MAX, name,
-           g_pk_data_id);
+    modem_stats_printf("Cur(%d) reached max(%d), for %s, id(0x%x)\n", g_pK_DATA_CNT,
+                       MODEM_STATS_PK_MAX, name, g_pk_data_id);
     return failed();
   }
   // The bytes past the buffer are dropped, never written.

@@ -11,9 +11,9 @@
 // Multi-byte values are little-endian.
 //
 // Every step checks before it reads. A failed step prints its message (with a
-// newline) on stdout, leaves the cursor where the failing check found it, and
-// returns false; the parser then returns at once without a record. The engine
-// is single-threaded: one packet at a time.
+// newline) through modem_stats_printf, leaves the cursor where the failing
+// check found it, and returns false; the parser then returns at once without a
+// record. The engine is single-threaded: one packet at a time.
 #pragma once
 
 #include <cstdint>

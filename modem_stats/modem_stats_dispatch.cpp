@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "modem_stats/modem_stats_out.h"
+
 namespace {
 
 // The name column is the parser's own function name, as its messages print it.
@@ -98,7 +100,7 @@ bool run_parser(const std::array<Row, N> &table, uint16_t Row::*key, uint16_t id
   *stat_id = MODEM_STATS_NO_RECORD;
   *record = nullptr;
   if (payload == nullptr) {
-    printf("MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x%x)\n", g_pk_data_id);
+    modem_stats_printf("MODEM_STATS_DATA_UNPK_START, payload is NULL, id(0x%x)\n", g_pk_data_id);
     return false;
   }
   modem_stats_cursor_reset(id, payload);
@@ -126,15 +128,15 @@ std::span<const modem_stats_event_row> modem_stats_event_table() { return kEvent
 
 bool modem_stats_diag_process_log_rec(uint16_t log_code, uint8_t *payload, uint32_t *stat_id,
                                       modem_stats_single **record) {
-  printf("modem_stats_diag_process_log_ex: log_id 0x%x, length %d, sub_id = %d\n", log_code,
-         kPrintedLength, kPrintedSubId);
+  modem_stats_printf("modem_stats_diag_process_log_ex: log_id 0x%x, length %d, sub_id = %d\n",
+                     log_code, kPrintedLength, kPrintedSubId);
   return run_parser(kLogTable, &modem_stats_log_row::code, log_code, payload, stat_id, record);
 }
 
 bool modem_stats_diag_process_event_rec(uint16_t event_id, uint8_t *payload, uint32_t *stat_id,
                                         modem_stats_single **record) {
-  printf("modem_stats_diag_process_event_ex: event_id %d, length %d, sub_id = %d\n", event_id,
-         kPrintedLength, kPrintedSubId);
+  modem_stats_printf("modem_stats_diag_process_event_ex: event_id %d, length %d, sub_id = %d\n",
+                     event_id, kPrintedLength, kPrintedSubId);
   return run_parser(kEventTable, &modem_stats_event_row::id, event_id, payload, stat_id, record);
 }
 

@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "modem_stats/logs/log_steps.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -34,7 +35,7 @@ int as_int(const ev_field &f) { return static_cast<int>(f.value); }
 bool parse_sip_session(uint32_t stat_id_made, uint32_t *stat_id, modem_stats_single **record) {
   ev_field sip_call_id = field("sip_call_id", 4);
   if (!read_fields({&sip_call_id})) return false;
-  printf("sip_call_id = %d\n", as_int(sip_call_id));
+  modem_stats_printf("sip_call_id = %d\n", as_int(sip_call_id));
   return modem_stats_log_pack({sip_call_id}, stat_id_made, stat_id, record);
 }
 
@@ -44,7 +45,7 @@ bool parse_emm_timer(const char *label, uint32_t stat_id_made, uint32_t *stat_id
                      modem_stats_single **record) {
   ev_field timer_id = field("timer_id", 1);
   if (!read_fields({&timer_id})) return false;
-  printf("%s, sub_id = %d, timer_id = %d\n", label, 0, as_int(timer_id));
+  modem_stats_printf("%s, sub_id = %d, timer_id = %d\n", label, 0, as_int(timer_id));
   return modem_stats_log_pack({timer_id, modem_stats_pk_int("timer_tail", 4, 1)}, stat_id_made,
                               stat_id, record);
 }
@@ -62,7 +63,7 @@ uint8_t rrc_state_last = 0;
 
 bool modem_stats_update_1606_diag_event_lte_rrc_state_change(uint8_t state, uint32_t *stat_id,
                                                              modem_stats_single **record) {
-  printf("sub_id = %d, rrc_state_current_in = %d\n", 0, state);
+  modem_stats_printf("sub_id = %d, rrc_state_current_in = %d\n", 0, state);
   return modem_stats_log_pack({modem_stats_pk_int("rrc_state_current", state, 1)}, 5, stat_id,
                               record);
 }
@@ -72,29 +73,29 @@ bool modem_stats_update_1606_diag_event_lte_rrc_state_change_stats(int state, ui
   // A negative state would keep the last one; a byte never is negative.
   const int current = state < 0 ? rrc_state_last : state;
   // No clock is kept, so times and old counts always show 0.
-  printf(
+  modem_stats_printf(
       "%s, time_last = %d, time_current = %d, rrc_state_last = %d, rrc_state_current = %d, "
       "rrc_state_current_in = %d, old rrc_active_time = %d, old rrc_setup_count = %d\n",
       kRrc, 0, 0, rrc_state_last, current, state, 0, 0);
   bool made = false;
   if (current == kRrcClosing) {
     if (rrc_state_last == kRrcConnected) {
-      printf("%s, New Closing and Old Connected, time not inited, do nothing, sub_id %d\n", kRrc,
-             0);
+      modem_stats_printf(
+          "%s, New Closing and Old Connected, time not inited, do nothing, sub_id %d\n", kRrc, 0);
     } else {
-      printf("%s, New Closing and Old other state, do nothing, sub_id %d\n", kRrc, 0);
+      modem_stats_printf("%s, New Closing and Old other state, do nothing, sub_id %d\n", kRrc, 0);
     }
   } else if (current != kRrcConnected) {
     // Printed also when the last state was Connected.
-    printf("%s, New other state and Old other state, do nothing, sub_id %d\n", kRrc, 0);
+    modem_stats_printf("%s, New other state and Old other state, do nothing, sub_id %d\n", kRrc, 0);
   } else if (rrc_state_last == kRrcConnected) {
-    printf("%s, New Connected and Old Connected, time not inited, do nothing, sub_id %d\n", kRrc,
-           0);
+    modem_stats_printf(
+        "%s, New Connected and Old Connected, time not inited, do nothing, sub_id %d\n", kRrc, 0);
   } else {
     // Counts are not accumulated: every new connection reports one setup and
     // no active time.
-    printf("----%s, New Connected and Old other state, rrc_setup_count = %d, sub_id %d\n", kRrc, 1,
-           0);
+    modem_stats_printf(
+        "----%s, New Connected and Old other state, rrc_setup_count = %d, sub_id %d\n", kRrc, 1, 0);
     if (stat_id != nullptr && record != nullptr) {
       made = modem_stats_log_pack(
           {modem_stats_pk_int("rrc_active_time", 0, 4), modem_stats_pk_int("rrc_setup_count", 1, 4),
@@ -138,8 +139,8 @@ bool modem_stats_parse_0629_diag_event_cm_call_event_orig(uint32_t *stat_id,
   ev_field call_id = field("call_id", 1), call_type = field("call_type", 1),
            srv_type = field("srv_type", 1);
   if (!read_fields({&call_id, &call_type, &srv_type})) return false;
-  printf("call_id = %d, call_type = %d, srv_type = %d\n", as_int(call_id), as_int(call_type),
-         as_int(srv_type));
+  modem_stats_printf("call_id = %d, call_type = %d, srv_type = %d\n", as_int(call_id),
+                     as_int(call_type), as_int(srv_type));
   return modem_stats_log_pack({call_id, call_type, srv_type}, 117, stat_id, record);
 }
 
@@ -147,7 +148,7 @@ bool modem_stats_parse_0631_diag_event_cm_call_event_end(uint32_t *stat_id,
                                                          modem_stats_single **record) {
   ev_field num_calls = field("num_calls", 1), call_id = field("call_id", 1);
   if (!read_fields({&num_calls, &call_id})) return false;
-  printf("num_calls = %d, call_id = %d\n", as_int(num_calls), as_int(call_id));
+  modem_stats_printf("num_calls = %d, call_id = %d\n", as_int(num_calls), as_int(call_id));
   return modem_stats_log_pack({num_calls, call_id}, 118, stat_id, record);
 }
 
@@ -191,8 +192,9 @@ bool modem_stats_parse_1995_diag_event_lte_rrc_radio_link_failure_stat(
   ev_field connected = field("rlf_count_rrc_connected", 2),
            active = field("rlf_count_lte_active", 2), cause = field("rlf_cause", 2);
   if (!read_fields({&connected, &active, &cause})) return false;
-  printf("sub_id = %d, rlf_count_rrc_connected = %d, rlf_count_lte_active = %d, rlf_cause = %d\n",
-         0, as_int(connected), as_int(active), as_int(cause));
+  modem_stats_printf(
+      "sub_id = %d, rlf_count_rrc_connected = %d, rlf_count_lte_active = %d, rlf_cause = %d\n", 0,
+      as_int(connected), as_int(active), as_int(cause));
   return modem_stats_log_pack({connected, active, cause}, 131, stat_id, record);
 }
 
@@ -201,13 +203,13 @@ bool modem_stats_parse_2568_diag_event_lte_rrc_new_cell_ind_ext_earfcn(
   constexpr int kHandover = 2;
   ev_field cause = field("cause", 1), freq = field("freq", 4), pci = field("pci", 2);
   if (!read_fields({&cause, &freq, &pci})) return false;
-  printf("cause = %d, freq = %d, pci = %d\n", as_int(cause), as_int(freq), as_int(pci));
+  modem_stats_printf("cause = %d, freq = %d, pci = %d\n", as_int(cause), as_int(freq), as_int(pci));
   // Only a handover is of interest; its time and type are not in the event.
   if (as_int(cause) != kHandover) {
     return modem_stats_not_valid(
         as_int(cause), "modem_stats_parse_2568_diag_event_lte_rrc_new_cell_ind_ext_earfcn");
   }
-  printf("ho_time = %ld, ho_type = %d, pci = %d\n", 0L, 1, as_int(pci));
+  modem_stats_printf("ho_time = %ld, ho_type = %d, pci = %d\n", 0L, 1, as_int(pci));
   return modem_stats_log_pack(
       {modem_stats_pk_int("ho_time", 0, 8), modem_stats_pk_int("ho_type", 1, 1), freq, pci}, 109,
       stat_id, record);
@@ -223,7 +225,7 @@ bool modem_stats_parse_2622_diag_event_mcs_trm_asdiv(uint32_t *stat_id,
           {&skip1, &old_config, &new_config, &skip2, &ant_number, &ant_switch_path, &sig_path})) {
     return false;
   }
-  printf(
+  modem_stats_printf(
       "version = %d, ant_number = %d, ant_switch_path = %d, sig_path = %d, old_config = %d, "
       "new_config = %d\n",
       0, as_int(ant_number), as_int(ant_switch_path), as_int(sig_path), as_int(old_config),
@@ -237,7 +239,8 @@ bool modem_stats_parse_3184_diag_event_nr5g_rrc_new_cell_ind_v2ssb(uint32_t *sta
                                                                    modem_stats_single **record) {
   ev_field ssb_freq = field("ssb_freq", 4), pci = field("pci", 2), bw = field("bw", 1);
   if (!read_fields({&ssb_freq, &pci, &bw})) return false;
-  printf("ssb_freq = %d, pci = %d, bw = %d\n", as_int(ssb_freq), as_int(pci), as_int(bw));
+  modem_stats_printf("ssb_freq = %d, pci = %d, bw = %d\n", as_int(ssb_freq), as_int(pci),
+                     as_int(bw));
   return modem_stats_log_pack({ssb_freq, pci, bw}, 92, stat_id, record);
 }
 
@@ -250,6 +253,6 @@ bool modem_stats_parse_3243_diag_event_event_nr5g_rrc_scg_failure(uint32_t *stat
                                                                   modem_stats_single **record) {
   ev_field gap = skip(32), cause = field("scg_failure_cause", 2);
   if (!read_fields({&gap, &cause})) return false;
-  printf("sub_id = %d, scg_failure_cause = %d\n", 0, as_int(cause));
+  modem_stats_printf("sub_id = %d, scg_failure_cause = %d\n", 0, as_int(cause));
   return modem_stats_log_pack({cause}, 138, stat_id, record);
 }

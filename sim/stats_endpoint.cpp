@@ -39,12 +39,14 @@ constexpr size_t kLteRecordLen = 1 + 1 + 4 + 2 + 1 + 2 + kChains * 4 * 4;
 static_assert(kLteRecordLen == 75);
 // NR RSSI / SNR records (20 bytes): u32 version, f32 per chain 0..3.
 constexpr size_t kNrChainRecordLen = 4 + kChains * 4;
+static_assert(kNrChainRecordLen == 20);
 // NR antenna switch (16 bytes): u32 version, then u8 antenna before / after
 // the last switch for rx 0..3, then for tx 0..1.
 constexpr size_t kNrAntRecordLen = 4 + 2 * kChains + 2 * 2;
 static_assert(kNrAntRecordLen == 16);
 // WCDMA / GSM (9 bytes): u8 version, f32 chain 0 (primary), f32 chain 1 (diversity).
 constexpr size_t kTwoChainRecordLen = 1 + 4 + 4;
+static_assert(kTwoChainRecordLen == 9);
 
 // The carriers each subscription's network gives it: primary, then SCC1..6.
 constexpr int32_t kEarfcn[2][1 + kLteSccCount] = {

@@ -13,7 +13,9 @@
 //    "status": "decoded", "source": "file:line"}
 // (stat_id and record are null without a record). Damaged input is counted
 // and skipped, reported on stderr. The counts per code end the output (on
-// stderr with --json, so stdout stays pure JSON lines).
+// stderr with --json, so stdout stays pure JSON lines). Input is streamed in
+// fixed blocks and output written through one buffer, so memory does not
+// grow with the capture and there is no system call per packet.
 #pragma once
 
 // Returns the process exit status: 0, 1 when a file could not be read, 2 for

@@ -1,6 +1,8 @@
 #include "modem_stats/decode/decode_stream.h"
 
 #include <array>
+#include <bit>
+#include <cstring>
 
 #include "common/velmar_bytes.h"
 
@@ -17,12 +19,21 @@ constexpr size_t kLogHeadLen = 4;    // cmd, more, u16 length
 constexpr size_t kLogItemHead = 12;  // u16 length, u16 code, u64 timestamp
 constexpr size_t kEventHeadLen = 3;  // cmd, u16 length
 
-constexpr std::array<uint16_t, 256> kCrcTable = [] {
-  std::array<uint16_t, 256> t{};
+// CRC tables for sixteen bytes at a time: kCrc[k][b] is the CRC step of byte
+// b followed by k zero bytes. Every frame is checked, so this is the reader's
+// hot loop.
+using crc_tables = std::array<std::array<uint16_t, 256>, 16>;
+constexpr crc_tables kCrc = [] {
+  crc_tables t{};
   for (unsigned i = 0; i < 256; ++i) {
     uint16_t c = static_cast<uint16_t>(i);
     for (int k = 0; k < 8; ++k) c = (c & 1) ? static_cast<uint16_t>((c >> 1) ^ 0x8408) : c >> 1;
-    t[i] = c;
+    t[0][i] = c;
+  }
+  for (size_t k = 1; k < t.size(); ++k) {
+    for (unsigned i = 0; i < 256; ++i) {
+      t[k][i] = static_cast<uint16_t>((t[k - 1][i] >> 8) ^ t[0][t[k - 1][i] & 0xFF]);
+    }
   }
   return t;
 }();
@@ -92,11 +103,37 @@ bool decode_event_report(std::span<const uint8_t> packet, size_t where, const de
   return decode_events(packet.subspan(kEventHeadLen, len), where, sink);
 }
 
-int hex_value(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
+// A hex digit's value; 0xFF for any other byte.
+constexpr std::array<uint8_t, 256> kHexValue = [] {
+  std::array<uint8_t, 256> t{};
+  t.fill(0xFF);
+  for (int i = 0; i < 10; ++i) t['0' + i] = static_cast<uint8_t>(i);
+  for (int i = 0; i < 6; ++i) t['a' + i] = t['A' + i] = static_cast<uint8_t>(10 + i);
+  return t;
+}();
+
+// Eight hex digits (the first in the low byte) to four bytes at `out`, a word
+// at a time: the text form spends most of its time here. False when one of
+// them is no hex digit.
+bool hex8(uint64_t x, uint8_t *out) {
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  constexpr uint64_t kHighs = 0x8080808080808080;
+  // Per byte, high bit set when the byte (below 0x80) lies in [lo, hi].
+  auto in_range = [](uint64_t v, uint64_t lo, uint64_t hi) {
+    const uint64_t at_least_lo = (v | kHighs) - kOnes * lo;
+    const uint64_t above_hi = (v | kHighs) - kOnes * (hi + 1);
+    return at_least_lo & ~above_hi & kHighs;
+  };
+  const uint64_t digit = in_range(x, '0', '9');
+  const uint64_t letter = in_range(x | (kOnes * 0x20), 'a', 'f');
+  if ((x & kHighs) != 0 || (digit | letter) != kHighs) return false;
+  const uint64_t v = (x & (kOnes * 0x0F)) + (letter >> 7) * 9;
+  uint64_t w = ((v << 4) | (v >> 8)) & 0x00FF00FF00FF00FF;
+  w = (w | (w >> 8)) & 0x0000FFFF0000FFFF;
+  w = (w | (w >> 16)) & 0xFFFFFFFF;
+  const uint32_t bytes = static_cast<uint32_t>(w);
+  memcpy(out, &bytes, sizeof bytes);
+  return true;
 }
 
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
@@ -123,41 +160,159 @@ const char *decode_damage_name(decode_damage d) {
       return "bad packet lengths";
     case decode_damage::bad_line:
       return "bad line";
+    case decode_damage::long_frame:
+      return "over-long frame";
+    case decode_damage::long_line:
+      return "over-long line";
   }
   return "damaged";
 }
 
 uint16_t decode_crc16(std::span<const uint8_t> bytes) {
   uint16_t crc = 0xFFFF;
-  for (uint8_t b : bytes) crc = static_cast<uint16_t>((crc >> 8) ^ kCrcTable[(crc ^ b) & 0xFF]);
+  const uint8_t *p = bytes.data();
+  size_t n = bytes.size();
+  for (; n >= 16; n -= 16, p += 16) {
+    uint16_t c = static_cast<uint16_t>(kCrc[15][(crc ^ p[0]) & 0xFF] ^ kCrc[14][(crc >> 8) ^ p[1]]);
+    for (size_t k = 2; k < 16; ++k) c ^= kCrc[15 - k][p[k]];
+    crc = c;
+  }
+  for (; n > 0; --n, ++p) crc = static_cast<uint16_t>((crc >> 8) ^ kCrc[0][(crc ^ *p) & 0xFF]);
   return static_cast<uint16_t>(crc ^ 0xFFFF);
 }
 
-void decode_hdlc(std::span<const uint8_t> stream, const decode_sink &sink) {
-  std::vector<uint8_t> frame;
-  bool escaped = false;
-  size_t frames = 0;
-  for (uint8_t b : stream) {
-    if (b == kFlag) {
-      if (frame.empty() && !escaped) continue;  // a leading or repeated flag
-      ++frames;
-      if (escaped) {
-        sink.damage(decode_damage::bad_escape, frames);
-      } else {
-        check_frame(frame, frames, sink);
-      }
-      frame.clear();
-      escaped = false;
-    } else if (escaped) {
-      frame.push_back(b ^ kEscapeXor);
-      escaped = false;
-    } else if (b == kEscape) {
-      escaped = true;
-    } else {
-      frame.push_back(b);
-    }
+decode_hdlc_reader::decode_hdlc_reader(const decode_sink &sink)
+    : sink_(sink), frame_(new uint8_t[decode_max_frame]) {}
+
+void decode_hdlc_reader::append(const uint8_t *bytes, size_t n) {
+  if (too_long_) return;
+  if (n > decode_max_frame - len_) {
+    too_long_ = true;
+    return;
   }
-  if (!frame.empty() || escaped) sink.damage(decode_damage::truncated, frames + 1);
+  memcpy(frame_.get() + len_, bytes, n);
+  len_ += n;
+}
+
+void decode_hdlc_reader::end_frame() {
+  if (len_ == 0 && !escaped_ && !too_long_) return;  // a leading or repeated flag
+  ++frames_;
+  if (too_long_) {
+    sink_.damage(decode_damage::long_frame, frames_);
+  } else if (escaped_) {
+    sink_.damage(decode_damage::bad_escape, frames_);
+  } else {
+    check_frame({frame_.get(), len_}, frames_, sink_);
+  }
+  len_ = 0;
+  escaped_ = false;
+  too_long_ = false;
+}
+
+void decode_hdlc_reader::feed(std::span<const uint8_t> bytes) {
+  const uint8_t *p = bytes.data();
+  const uint8_t *const end = p + bytes.size();
+  while (p < end) {
+    // Whole runs between flags and escapes are copied at once.
+    const auto *flag = static_cast<const uint8_t *>(memchr(p, kFlag, end - p));
+    const uint8_t *const stop = flag != nullptr ? flag : end;
+    if (escaped_ && p < stop) {
+      const uint8_t b = *p++ ^ kEscapeXor;
+      append(&b, 1);
+      escaped_ = false;
+    }
+    while (p < stop) {
+      const auto *esc = static_cast<const uint8_t *>(memchr(p, kEscape, stop - p));
+      const uint8_t *const run_end = esc != nullptr ? esc : stop;
+      append(p, run_end - p);
+      p = run_end;
+      if (esc == nullptr) break;
+      ++p;
+      if (p == stop) {
+        escaped_ = true;
+      } else {
+        const uint8_t b = *p++ ^ kEscapeXor;
+        append(&b, 1);
+      }
+    }
+    if (flag == nullptr) return;
+    end_frame();
+    p = flag + 1;
+  }
+}
+
+void decode_hdlc_reader::finish() {
+  if (len_ != 0 || escaped_ || too_long_) {
+    sink_.damage(too_long_ ? decode_damage::long_frame : decode_damage::truncated, frames_ + 1);
+  }
+  len_ = 0;
+  escaped_ = too_long_ = false;
+}
+
+void decode_hdlc(std::span<const uint8_t> stream, const decode_sink &sink) {
+  decode_hdlc_reader reader(sink);
+  reader.feed(stream);
+  reader.finish();
+}
+
+decode_text_reader::decode_text_reader(const decode_sink &sink) : sink_(sink) {}
+
+void decode_text_reader::carry(const char *text, size_t n) {
+  if (too_long_) return;
+  if (n > decode_max_line - carried_.size()) {
+    too_long_ = true;
+    carried_.clear();
+    carried_.shrink_to_fit();
+    return;
+  }
+  carried_.append(text, n);
+}
+
+void decode_text_reader::line(std::string_view text) {
+  ++lines_;
+  if (too_long_ || text.size() > decode_max_line) {
+    sink_.damage(decode_damage::long_line, lines_);
+    return;
+  }
+  bool event = false;
+  uint16_t id = 0;
+  switch (decode_text_line(text, &event, &id, &payload_)) {
+    case decode_line_kind::item:
+      sink_.item({event, id, payload_}, lines_);
+      break;
+    case decode_line_kind::bad:
+      sink_.damage(decode_damage::bad_line, lines_);
+      break;
+    case decode_line_kind::empty:
+      break;
+  }
+}
+
+void decode_text_reader::feed(std::span<const uint8_t> bytes) {
+  const char *p = reinterpret_cast<const char *>(bytes.data());
+  const char *const end = p + bytes.size();
+  while (p < end) {
+    const auto *nl = static_cast<const char *>(memchr(p, '\n', end - p));
+    if (nl == nullptr) {
+      carry(p, end - p);
+      return;
+    }
+    if (carried_.empty() && !too_long_) {
+      line({p, static_cast<size_t>(nl - p)});
+    } else {
+      carry(p, nl - p);
+      line(carried_);
+      carried_.clear();
+      too_long_ = false;
+    }
+    p = nl + 1;
+  }
+}
+
+void decode_text_reader::finish() {
+  if (!carried_.empty() || too_long_) line(carried_);
+  carried_.clear();
+  too_long_ = false;
 }
 
 void decode_packet(std::span<const uint8_t> packet, size_t where, const decode_sink &sink) {
@@ -190,21 +345,33 @@ decode_line_kind decode_text_line(std::string_view line, bool *event, uint16_t *
   if (digits.empty() || digits.size() > 5) return decode_line_kind::bad;
   uint32_t value = 0;
   for (char c : digits) {
-    const int d = hex_value(c);
-    if (d < 0 || static_cast<unsigned>(d) >= base) return decode_line_kind::bad;
-    value = value * base + static_cast<unsigned>(d);
+    const unsigned d = kHexValue[static_cast<uint8_t>(c)];
+    if (d >= base) return decode_line_kind::bad;
+    value = value * base + d;
   }
   if (value > (*event ? 0x0FFFu : 0xFFFFu)) return decode_line_kind::bad;
   *id = static_cast<uint16_t>(value);
 
   if (hex.size() % 2 != 0) return decode_line_kind::bad;
-  payload->clear();
-  for (size_t i = 0; i < hex.size(); i += 2) {
-    const int hi = hex_value(hex[i]);
-    const int lo = hex_value(hex[i + 1]);
-    if (hi < 0 || lo < 0) return decode_line_kind::bad;
-    payload->push_back(static_cast<uint8_t>(hi << 4 | lo));
+  payload->resize(hex.size() / 2);
+  uint8_t *out = payload->data();
+  size_t i = 0;
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; hex.size() - i >= 8; i += 8, out += 4) {
+      uint64_t word;
+      memcpy(&word, hex.data() + i, sizeof word);
+      if (!hex8(word, out)) return decode_line_kind::bad;
+    }
   }
+  // Checked once at the end rather than per digit: the loop stays branch-free.
+  uint8_t seen = 0;
+  for (; i < hex.size(); i += 2) {
+    const uint8_t hi = kHexValue[static_cast<uint8_t>(hex[i])];
+    const uint8_t lo = kHexValue[static_cast<uint8_t>(hex[i + 1])];
+    seen |= hi | lo;
+    *out++ = static_cast<uint8_t>(hi << 4 | lo);
+  }
+  if (seen > 0xF) return decode_line_kind::bad;
   return decode_line_kind::item;
 }
 

@@ -1,11 +1,15 @@
 // Reading captured diag packets for rpk-decode: the text form (one packet a
-// line) and binary diag streams (HDLC frames, as in .qmdl files).
+// line) and binary diag streams (HDLC frames, as in .qmdl files). Both
+// readers take their input in blocks of any size, split anywhere, and hold at
+// most one frame or line of it: memory does not grow with the input.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,14 +29,23 @@ enum class decode_damage {
   truncated,    // input ended inside a frame
   bad_packet,   // lengths inside a log or event packet do not add up
   bad_line,     // a text line that is not "<code> <hex>" or "E<id> <hex>"
+  long_frame,   // a frame longer than any diag packet (decode_max_frame)
+  long_line,    // a text line longer than any packet's (decode_max_line)
 };
 const char *decode_damage_name(decode_damage d);
 
 struct decode_sink {
-  std::function<void(const decode_item &, size_t where)> item;  // where: frame number
+  std::function<void(const decode_item &, size_t where)> item;  // where: frame or line number
   std::function<void(decode_damage, size_t where)> damage;      // where: frame or line number
   std::function<void(uint8_t cmd_code)> other;  // a sound frame that is neither log nor event
 };
+
+// The longest diag packet: a log packet (4-byte header, then a log item of at
+// most 0xFFFF bytes); its frame adds the 2-byte CRC.
+inline constexpr size_t decode_max_packet = 4 + 0xFFFF;
+inline constexpr size_t decode_max_frame = decode_max_packet + 2;
+// The longest text line of such a packet's payload, with room for blanks.
+inline constexpr size_t decode_max_line = 2 * decode_max_packet + 256;
 
 // CRC-16/X.25 (reflected 0x1021, init and xorout 0xFFFF), as HDLC frames carry
 // it, low byte first.
@@ -41,8 +54,52 @@ uint16_t decode_crc16(std::span<const uint8_t> bytes);
 // Splits an HDLC byte stream into frames (0x7E ends a frame, 0x7D escapes the
 // next byte XOR 0x20), checks each frame's CRC and hands the log items and
 // events of each sound frame to the sink. Empty frames (repeated flags) are
-// not counted; everything else that is wrong is reported as damage.
+// not counted; everything else that is wrong is reported as damage, with the
+// frame's number. A frame that grows past decode_max_frame is not kept: it is
+// reported as long_frame when it ends.
+class decode_hdlc_reader {
+ public:
+  explicit decode_hdlc_reader(const decode_sink &sink);
+  void feed(std::span<const uint8_t> bytes);
+  // End of input: a frame left open is reported as truncated.
+  void finish();
+
+ private:
+  void append(const uint8_t *bytes, size_t n);
+  void end_frame();
+
+  const decode_sink &sink_;
+  std::unique_ptr<uint8_t[]> frame_;  // decode_max_frame bytes, of which len_ are used
+  size_t len_ = 0;
+  size_t frames_ = 0;
+  bool escaped_ = false;
+  bool too_long_ = false;
+};
+
+// The whole of `stream` through a decode_hdlc_reader.
 void decode_hdlc(std::span<const uint8_t> stream, const decode_sink &sink);
+
+// Splits the text form into lines ('\n'; a last line needs none) and hands
+// each packet to the sink, with its line number; bad lines are reported as
+// damage. A line longer than decode_max_line is not kept: it is reported as
+// long_line.
+class decode_text_reader {
+ public:
+  explicit decode_text_reader(const decode_sink &sink);
+  void feed(std::span<const uint8_t> bytes);
+  // End of input: a last line without its newline is read.
+  void finish();
+
+ private:
+  void line(std::string_view text);
+  void carry(const char *text, size_t n);
+
+  const decode_sink &sink_;
+  std::string carried_;  // the start of a line split across blocks
+  std::vector<uint8_t> payload_;
+  size_t lines_ = 0;
+  bool too_long_ = false;
+};
 
 // One unframed diag packet: 0x10 log (u8 more, u16 length, log item of u16
 // length, u16 code, u64 timestamp, payload) or 0x60 event report (u16 length,

@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "modem_stats/logs/log_steps.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -124,7 +125,7 @@ bool parse_session(const session_layout (&table)[N], const char *name, uint32_t 
   if (l == nullptr) return false;
   if (!read_session(*l, &v)) return false;
 
-  std::printf(
+  modem_stats_printf(
       "version = %d, direction = %d, %s = %d, call_setup_delay = %d, rat = %d, "
       "originating_url_len = %d, terminating_url_len = %d\n",
       static_cast<int>(v.version), v.direction, l->cause.field.name, v.cause,
@@ -152,8 +153,8 @@ bool modem_stats_parse_1568_diag_log_ims_rtp_sn_and_payload(uint32_t *stat_id,
   if (!modem_stats_log_bits(l->codec_type, 0, &codec_type)) return false;
   if (!modem_stats_log_bits(l->frame_type, 0, &frame_type)) return false;
 
-  std::printf("version = %d, codec_type = %d, frame_type = %d\n", static_cast<int>(version),
-              codec_type, frame_type);
+  modem_stats_printf("version = %d, codec_type = %d, frame_type = %d\n", static_cast<int>(version),
+                     codec_type, frame_type);
   return modem_stats_log_pack(
       {modem_stats_pk_int("version", version, 1), modem_stats_pk_int("codec_type", codec_type, 1),
        modem_stats_pk_int("frame_type", frame_type, 1)},
@@ -184,7 +185,7 @@ bool modem_stats_parse_156e_diag_log_ims_sip_message(uint32_t *stat_id,
     call_id[i] = static_cast<uint8_t>(b);
   }
 
-  std::printf(
+  modem_stats_printf(
       "version = %d, direction = %d, sdp_presence = %d, sip_call_id_len = %d, sip_msg_len = %d, "
       "sip_msg_logged_bytes = %d, msg_id = %d\n",
       static_cast<int>(version), direction, sdp, call_id_len, msg_len, logged, msg_id);

@@ -2,7 +2,7 @@
 // picking a version's layout, bounding record counts and packing a record from
 // a list of fields (the event parsers pack theirs the same way).
 //
-// Parsers print their summary line with printf rather than through
+// Parsers print their summary line with modem_stats_printf rather than through
 // tessera_log_buf: several summaries run past its 101 characters, and a cut
 // line would hide the values that matter most (cell counts, MCS, message ids).
 #pragma once

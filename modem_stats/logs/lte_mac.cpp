@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "modem_stats/logs/log_steps.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -94,9 +95,9 @@ bool modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block(uint32_t *stat_i
                              : static_cast<float>(100.0 * static_cast<double>(t.grant - t.pad) /
                                                   static_cast<double>(t.grant));
 
-  std::printf("LTE FSSR: [%d][%d], pad = %d, grant = %d, sfn_grant = %.2f, sfn_full = %.2f\n",
-              t.first_sfn, t.last_sfn, static_cast<int>(t.pad), static_cast<int>(t.grant),
-              sfn_grant, sfn_full);
+  modem_stats_printf(
+      "LTE FSSR: [%d][%d], pad = %d, grant = %d, sfn_grant = %.2f, sfn_full = %.2f\n", t.first_sfn,
+      t.last_sfn, static_cast<int>(t.pad), static_cast<int>(t.grant), sfn_grant, sfn_full);
   if (num_samples == 0 || t.walked < num_samples) return modem_stats_not_valid(num_samples, kName);
 
   return modem_stats_log_pack(

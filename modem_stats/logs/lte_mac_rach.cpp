@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "modem_stats/logs/log_steps.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -47,14 +48,15 @@ bool modem_stats_parse_b062_diag_log_lte_mac_rach_attempt(uint32_t *stat_id,
     if (!modem_stats_base_to_bit(kResultBase)) return false;
     if (!modem_stats_log_bits(kRachResult, 0, &rach_raw)) return false;
     if (rach_raw == 0) {
-      std::printf("rach is success, do nothing\n");
+      modem_stats_printf("rach is success, do nothing\n");
       return false;
     }
   }
 
   const int rach_result = static_cast<int8_t>(static_cast<uint8_t>(rach_raw));
-  std::printf("sub_id = %d, version = %d, num_records = %d, version_sub = %d, rach_result = %d\n",
-              0, 1, num_records, version_sub, rach_result);
+  modem_stats_printf(
+      "sub_id = %d, version = %d, num_records = %d, version_sub = %d, rach_result = %d\n", 0, 1,
+      num_records, version_sub, rach_result);
   if (rach_result < 0) return modem_stats_not_valid(rach_result, kName);
 
   return modem_stats_log_pack(

@@ -9,6 +9,7 @@
 
 #include "modem_stats/logs/log_steps.h"
 #include "modem_stats/modem_stats_conv.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -212,7 +213,7 @@ bool modem_stats_parse_b111_diag_log_lte_ll1_rx_agc(uint32_t *stat_id,
     seen[chain] = true;
   }
 
-  std::printf(
+  modem_stats_printf(
       "version = %d, num_records = %d, rssi0_i = %d, rssi1_i = %d, rssi2_i = %d, rssi3_i = %d\n",
       static_cast<int>(version), num_records, rssi[0], rssi[1], rssi[2], rssi[3]);
   if (!fits) return modem_stats_not_valid(num_records, kName);
@@ -236,8 +237,8 @@ bool modem_stats_parse_b14e_diag_log_lte_pusch_csf(uint32_t *stat_id, modem_stat
       !modem_stats_log_bits(l->cqi_cw0, 0, &cqi0) || !modem_stats_log_bits(l->cqi_cw1, 0, &cqi1)) {
     return false;
   }
-  std::printf("version = %d, rank_idx = %d, wideband_cqi_cw0 = %d\n", static_cast<int>(version),
-              rank_idx, cqi0);
+  modem_stats_printf("version = %d, rank_idx = %d, wideband_cqi_cw0 = %d\n",
+                     static_cast<int>(version), rank_idx, cqi0);
   return modem_stats_log_pack(
       {modem_stats_pk_int("version", version, 1), modem_stats_pk_int("rank_idx", rank_idx, 1),
        modem_stats_pk_int("wideband_cqi_cw0", cqi0, 1),
@@ -300,7 +301,7 @@ bool modem_stats_parse_b16d_diag_log_lte_tx_power(uint32_t *stat_id, modem_stats
     start = next;
   }
 
-  std::printf(
+  modem_stats_printf(
       "version = %d, num = %d, pucch_tx_power %d, pusch_num_res_blocks = %d, "
       "pusch_modulation_type = %d, pusch_tx_power = %d, pusch_mcs = %d\n",
       static_cast<int>(version), num, pucch_tx_power, pusch_rbs, pusch_mod, pusch_tx_power,
@@ -334,8 +335,8 @@ bool parse_power_control(const power_control_layout (&table)[N], const char *nam
                !modem_stats_log_bits(l->dl_path_loss, 0, &path_loss))) {
     return false;
   }
-  std::printf("version = %d, num_records = %d, %s %d, dl_path_loss %d\n", static_cast<int>(version),
-              num_records, power_name, tx_power, path_loss);
+  modem_stats_printf("version = %d, num_records = %d, %s %d, dl_path_loss %d\n",
+                     static_cast<int>(version), num_records, power_name, tx_power, path_loss);
   if (!fits) return modem_stats_not_valid(num_records, name);
   return modem_stats_log_pack(
       {modem_stats_pk_int("version", version, 1), modem_stats_pk_int("num_records", num_records, 1),
@@ -375,7 +376,7 @@ bool modem_stats_parse_b173_diag_log_lte_pdsch_stat_indication(uint32_t *stat_id
                !modem_stats_log_bits(l->num_layers, 0, &num_layers))) {
     return false;
   }
-  std::printf(
+  modem_stats_printf(
       "version = %d, num_records = %d, pdsch_mcs = %d, pdsch_rb = %d, pdsch_mod_type = %d, "
       "pdsch_rnti_type = %d, num_layers = %d\n",
       static_cast<int>(version), num_records, mcs, rb, mod_type, rnti_type, num_layers);
@@ -428,7 +429,7 @@ bool modem_stats_parse_b193_diag_log_lte_srv_meas(uint32_t *stat_id, modem_stats
     }
   }
 
-  std::printf(
+  modem_stats_printf(
       "version = %d, earfcn = %d, rx_valid = %d, pci = %d, is_srv_cell = %d, srv_cell_idx = %d, "
       "num_cells = %d\n",
       sub_version, static_cast<int>(earfcn), rx_valid, pci, is_srv_cell, srv_cell_idx, num_cells);

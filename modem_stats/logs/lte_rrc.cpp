@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "modem_stats/logs/log_steps.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -44,10 +45,10 @@ bool modem_stats_parse_b0c2_diag_log_lte_rrc_serving_cell_info(uint32_t *stat_id
     return false;
   }
 
-  std::printf("version = %d, mcc = %d, mnc_num %d, mnc %d, tac %d, cgi %d, pci %d\n",
-              static_cast<int>(version), static_cast<int>(mcc), static_cast<int>(mnc_num),
-              static_cast<int>(mnc), static_cast<int>(tac), static_cast<int>(cgi),
-              static_cast<int>(pci));
+  modem_stats_printf("version = %d, mcc = %d, mnc_num %d, mnc %d, tac %d, cgi %d, pci %d\n",
+                     static_cast<int>(version), static_cast<int>(mcc), static_cast<int>(mnc_num),
+                     static_cast<int>(mnc), static_cast<int>(tac), static_cast<int>(cgi),
+                     static_cast<int>(pci));
   return modem_stats_log_pack(
       {modem_stats_pk_int("version", version, 1), modem_stats_pk_int("pci", pci, 2),
        modem_stats_pk_int("dl_earfcn", dl_earfcn, 4), modem_stats_pk_int("cgi", cgi, 4),

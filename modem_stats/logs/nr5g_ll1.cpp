@@ -4,6 +4,7 @@
 
 #include "modem_stats/logs/nr5g_layout.h"
 #include "modem_stats/modem_stats_conv.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -104,8 +105,8 @@ bool modem_stats_parse_b8c9_diag_log_nr5g_ll1_fw_rx_control_agc(uint32_t *stat_i
     rssi[e] = modem_stats_nr5g_rssi(static_cast<int32_t>(raw));
   }
 
-  printf("version = %d, version_agc_sub = %d, code = %d, only support code - 4\n", I(version),
-         I(v[B8C9_AGC_SUB]), I(v[B8C9_CODE]));
+  modem_stats_printf("version = %d, version_agc_sub = %d, code = %d, only support code - 4\n",
+                     I(version), I(v[B8C9_AGC_SUB]), I(v[B8C9_CODE]));
   if (v[B8C9_CODE] != B8C9_AGC_CODE) return modem_stats_not_valid(v[B8C9_CODE], __func__);
 
   return modem_stats_log_pack(
@@ -141,7 +142,7 @@ bool modem_stats_parse_b8d2_diag_log_nr5g_ll1_fw_mac_tx_iu_power(uint32_t *stat_
     break;
   }
 
-  printf(
+  modem_stats_printf(
       "version = %d, version_power = %d, loop_num = %d, pusch_tx = %d, pusch_path_loss = %d, "
       "pusch_mtpl = %d\n",
       I(version), I(v[B8D2_VERSION_POWER]), I(loop_num), I(v[B8D2_TX]), I(v[B8D2_PATH_LOSS]),
@@ -164,8 +165,8 @@ bool modem_stats_parse_b8d8_diag_log_nr5g_ll1_log_serving_snr(uint32_t *stat_id,
   float snr[SNR_N];
   if (!read_snr(k_b8d8, __func__, &version, raw, snr)) return false;
 
-  printf("version = %d, snr0 = %d, snr1 = %d, snr2 = %d, snr3 = %d\n", I(version), I(raw[0]),
-         I(raw[1]), I(raw[2]), I(raw[3]));
+  modem_stats_printf("version = %d, snr0 = %d, snr1 = %d, snr2 = %d, snr3 = %d\n", I(version),
+                     I(raw[0]), I(raw[1]), I(raw[2]), I(raw[3]));
   return pack_snr(137, version, snr, stat_id, record);
 }
 
@@ -176,7 +177,7 @@ bool modem_stats_parse_b8dd_diag_log_nr5g_ll1_fw_serving_ftl(uint32_t *stat_id,
   float snr[SNR_N];
   if (!read_snr(k_b8dd, __func__, &version, raw, snr)) return false;
 
-  printf("version = %d, snr0 = %.2f, snr1 = %.2f, snr2 = %.2f, snr3 = %.2f\n", I(version), snr[0],
-         snr[1], snr[2], snr[3]);
+  modem_stats_printf("version = %d, snr0 = %.2f, snr1 = %.2f, snr2 = %.2f, snr3 = %.2f\n",
+                     I(version), snr[0], snr[1], snr[2], snr[3]);
   return pack_snr(112, version, snr, stat_id, record);
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "modem_stats/logs/nr5g_layout.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -221,8 +222,9 @@ bool modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb(uint32_t *stat_id, modem_stat
   const float sfn_grant = percent(granted_ttis, num_tti > 0 ? static_cast<uint64_t>(num_tti) : 0);
   const float sfn_full = percent(build, grant);
 
-  printf("NR5G FSSR: [%d][%d], grant = %d, build = %d, sfn_grant = %.2f, sfn_full = %.2f\n",
-         I(first_sfn), I(last_sfn), I(grant), I(build), sfn_grant, sfn_full);
+  modem_stats_printf(
+      "NR5G FSSR: [%d][%d], grant = %d, build = %d, sfn_grant = %.2f, sfn_full = %.2f\n",
+      I(first_sfn), I(last_sfn), I(grant), I(build), sfn_grant, sfn_full);
   if (!valid) return modem_stats_not_valid(num_tti, __func__);
 
   return modem_stats_log_pack(
@@ -245,7 +247,7 @@ bool modem_stats_parse_b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl(uint32_t *sta
     return false;
   }
 
-  printf(
+  modem_stats_printf(
       "version = %d, num_records = %d, num_carriers = %d, tx_power_pusch = %d, "
       "tx_power_pucch = %d, tx_power_srs = %d, tx_power_prach = %d\n",
       I(version), I(v[B884_NUM_RECORDS]), I(v[B884_NUM_CARRIERS]), I(v[B884_PUSCH]),
@@ -330,8 +332,8 @@ bool modem_stats_parse_b885_diag_log_nr5g_mac_dci_info(uint32_t *stat_id,
     if (valid && modem_stats_nr5g_fits(f[B885_MCS_DL], dl_at) && !read_dl(dl_at)) return false;
   }
 
-  printf("version = %d, num_records = %d, mcs_dl = %d, mcs_ul = %d, rb_assi_num = %d\n", I(version),
-         I(num_records), I(mcs_dl), I(mcs_ul), I(rb));
+  modem_stats_printf("version = %d, num_records = %d, mcs_dl = %d, mcs_ul = %d, rb_assi_num = %d\n",
+                     I(version), I(num_records), I(mcs_dl), I(mcs_ul), I(rb));
   if (num_records == 0) return modem_stats_not_valid(num_records, __func__);
   if (!valid) return modem_stats_not_valid(num_dci, __func__);
 
@@ -355,7 +357,7 @@ bool modem_stats_parse_b887_diag_log_nr5g_mac_pdsch_status(uint32_t *stat_id,
   }
   const int64_t layers = v[B887_LAYERS] + 1;  // the packet holds layers - 1
 
-  printf(
+  modem_stats_printf(
       "version = %d, num_records = %d, num_pdsch_status = %d, mod_type = %d, mcs = %d, "
       "pdsch_rnti_type = %d, num_layers = %d\n",
       I(version), I(v[B887_NUM_RECORDS]), I(v[B887_NUM_STATUS]), I(v[B887_MOD]), I(v[B887_MCS]),
@@ -388,7 +390,7 @@ bool modem_stats_parse_b888_diag_log_nr5g_mac_pdsch_stats(uint32_t *stat_id,
     return false;
   }
 
-  printf(
+  modem_stats_printf(
       "version = %d, num_records = %d, num_pdcp_decode = %d, num_crc_fail = %d, tb_bytes = %lu\n",
       I(version), I(v[B888_NUM_RECORDS]), I(v[B888_PDCP]), I(v[B888_CRC]),
       static_cast<unsigned long>(v[B888_TB_BYTES]));
@@ -419,7 +421,7 @@ bool modem_stats_parse_b88a_diag_log_nr5g_mac_rach_attempt(uint32_t *stat_id,
     }
   }
 
-  printf(
+  modem_stats_printf(
       "sub_id = %d, version = %d, rach_msg_bitmask = %d, t_rnti = %d, ta = %d, rach_result = %d\n",
       0, I(version), I(v[B88A_BITMASK]), I(v[B88A_T_RNTI]), I(v[B88A_TA]), I(v[B88A_RESULT]));
   if (v[B88A_RESULT] >= B88A_NO_RESULT) return modem_stats_not_valid(v[B88A_RESULT], __func__);
@@ -437,7 +439,7 @@ bool modem_stats_parse_b8a7_diag_log_nr5g_mac_csf_report(uint32_t *stat_id,
   int64_t v[B8A7_N];
   if (!modem_stats_nr5g_read_all(row->f, 0, v)) return false;
 
-  printf(
+  modem_stats_printf(
       "version = %d, num_records = %d, metrics_ri = %d, metrics_cqi = %d, bitwidth_ri = %d, "
       "bitwidth_cqi = %d\n",
       I(version), I(v[B8A7_NUM_RECORDS]), I(v[B8A7_RI]), I(v[B8A7_CQI]), I(v[B8A7_BW_RI]),

@@ -4,6 +4,7 @@
 
 #include "modem_stats/logs/nr5g_layout.h"
 #include "modem_stats/modem_stats_conv.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -82,8 +83,8 @@ bool modem_stats_parse_b975_diag_log_nr5g_mac_ml1_srv_beam(uint32_t *stat_id,
   const float rsrp = modem_stats_nr5g_rsrp(static_cast<int32_t>(v[B975_RSRP]));
   const float rsrq = modem_stats_nr5g_rsrq(static_cast<int32_t>(v[B975_RSRQ]));
 
-  printf("version = %d, rsrp_i = %d, rsrq_i = %d, rsrp = %.2f, rsrq = %.2f\n", I(version),
-         I(v[B975_RSRP]), I(v[B975_RSRQ]), rsrp, rsrq);
+  modem_stats_printf("version = %d, rsrp_i = %d, rsrq_i = %d, rsrp = %.2f, rsrq = %.2f\n",
+                     I(version), I(v[B975_RSRP]), I(v[B975_RSRQ]), rsrp, rsrq);
   return modem_stats_log_pack(
       {modem_stats_pk_int("version", version, 4), modem_stats_pk_float("rsrp", rsrp),
        modem_stats_pk_float("rsrq", rsrq)},
@@ -98,7 +99,7 @@ bool modem_stats_parse_b97f_diag_log_nr5g_ml1_meas_database_update_ext(
   int64_t v[B97F_N];
   if (!modem_stats_nr5g_read_all(row->f, 0, v)) return false;
 
-  printf("version = %d, num_layers = %d\n", I(version), I(v[B97F_NUM_LAYERS]));
+  modem_stats_printf("version = %d, num_layers = %d\n", I(version), I(v[B97F_NUM_LAYERS]));
   const int64_t n = v[B97F_NUM_LAYERS];
   if (!modem_stats_log_records_fit(B97F_LAYERS, n, B97F_LAYER_SIZE)) {
     return modem_stats_not_valid(n, __func__);
@@ -123,7 +124,7 @@ bool modem_stats_parse_b981_diag_log_nr5g_ml1_fc_information(uint32_t *stat_id,
   int64_t v[B981_N];
   if (!modem_stats_nr5g_read_all(row->f, 0, v)) return false;
 
-  printf(
+  modem_stats_printf(
       "version = %d, state_last = %d, state_current = %d, num_action = %d, action_type = %d, "
       "level_last = %d, level_current = %d\n",
       I(version), I(v[B981_STATE_LAST]), I(v[B981_STATE_CURRENT]), I(v[B981_NUM_ACTION]),
@@ -141,7 +142,7 @@ bool modem_stats_parse_b98f_diag_log_nr5g_ml1_antenna_switch_diversity(
   int64_t v[B98F_N];
   if (!modem_stats_nr5g_read_all(row->f, 0, v)) return false;
 
-  printf(
+  modem_stats_printf(
       "version = %d, ant_rx_0_old = %d, ant_rx_0_new = %d, ant_rx_1_old = %d, ant_rx_1_new = %d, "
       "ant_rx_2_old = %d, ant_rx_2_new = %d\n",
       I(version), I(v[0]), I(v[1]), I(v[2]), I(v[3]), I(v[4]), I(v[5]));

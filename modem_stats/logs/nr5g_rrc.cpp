@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "modem_stats/logs/nr5g_layout.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -74,9 +75,9 @@ bool modem_stats_parse_b823_diag_log_nr5g_rrc_serving_cell_info(uint32_t *stat_i
   int64_t v[B823_N];
   if (!modem_stats_nr5g_read_all(row->f, 0, v)) return false;
 
-  printf("version = %d, mcc = %d, mnc_num %d, mnc %d, tac %d, cgi %lu, pci %d\n", I(version),
-         I(v[B823_MCC]), I(v[B823_MNC_NUM]), I(v[B823_MNC]), I(v[B823_TAC]),
-         static_cast<unsigned long>(v[B823_CGI]), I(v[B823_PCI]));
+  modem_stats_printf("version = %d, mcc = %d, mnc_num %d, mnc %d, tac %d, cgi %lu, pci %d\n",
+                     I(version), I(v[B823_MCC]), I(v[B823_MNC_NUM]), I(v[B823_MNC]), I(v[B823_TAC]),
+                     static_cast<unsigned long>(v[B823_CGI]), I(v[B823_PCI]));
 
   return modem_stats_log_pack(
       {modem_stats_pk_int("version", version, 4), modem_stats_pk_int("pci", v[B823_PCI], 2),
@@ -95,7 +96,7 @@ bool modem_stats_parse_b825_diag_log_nr5g_rrc_configuration_info(uint32_t *stat_
   int64_t v[B825_N];
   if (!modem_stats_nr5g_read_all(row->f, 0, v)) return false;
 
-  printf(
+  modem_stats_printf(
       "version = %d, num_contiguous_cc_groups = %d, num_nrdc_scg_contiguous_cc_groups = %d, "
       "num_active_cc = %d, num_nrdc_scg_active_cc = %d, num_active_rb = %d\n",
       I(version), I(v[B825_GROUPS]), I(v[B825_NRDC_GROUPS]), I(v[B825_ACTIVE_CC]),

@@ -4,6 +4,7 @@
 
 #include "modem_stats/logs/log_steps.h"
 #include "modem_stats/modem_stats_conv.h"
+#include "modem_stats/modem_stats_out.h"
 #include "modem_stats/modem_stats_parsers.h"
 
 namespace {
@@ -43,8 +44,9 @@ bool parse_two_chains(const two_chain_layout (&table)[N], const char *name, floa
   }
   const float db0 = to_db(old0);
   const float db1 = to_db(old1);
-  std::printf("version = %d, %s = %d, %s = %d, %s = %.2f, %s = %.2f\n", static_cast<int>(version),
-              l->chain0.name, old0, l->chain1.name, old1, db0_name, db0, db1_name, db1);
+  modem_stats_printf("version = %d, %s = %d, %s = %d, %s = %.2f, %s = %.2f\n",
+                     static_cast<int>(version), l->chain0.name, old0, l->chain1.name, old1,
+                     db0_name, db0, db1_name, db1);
   return modem_stats_log_pack(
       {modem_stats_pk_int("version", version, 1), modem_stats_pk_float(db0_name, db0),
        modem_stats_pk_float(db1_name, db1)},

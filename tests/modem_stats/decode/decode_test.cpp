@@ -1,92 +1,26 @@
-// rpk-decode on inputs the test builds itself: an HDLC capture with sound,
-// damaged and foreign frames, and the text form.
+// rpk-decode on inputs the test builds itself (an HDLC capture with sound,
+// damaged and foreign frames, and the text form), its readers fed in pieces,
+// and its --json output on the shared real packets against a reference built
+// here from the engine's console output.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <fstream>
+#include <random>
 #include <string>
 #include <vector>
 
 #include "modem_stats/decode/decode_run.h"
 #include "modem_stats/decode/decode_stream.h"
+#include "modem_stats/modem_stats_dispatch.h"
 #include "modem_stats/modem_stats_events.h"
 #include "support/capture_stdout.h"
+#include "support/diag_capture.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-// CRC-16/X.25 bit by bit, apart from the tool's table.
-uint16_t crc_x25(const Bytes &b) {
-  uint16_t crc = 0xFFFF;
-  for (uint8_t byte : b) {
-    crc ^= byte;
-    for (int i = 0; i < 8; ++i) crc = (crc & 1) ? (crc >> 1) ^ 0x8408 : crc >> 1;
-  }
-  return crc ^ 0xFFFF;
-}
-
-Bytes hdlc(Bytes packet, bool break_crc = false) {
-  const uint16_t crc = crc_x25(packet) ^ (break_crc ? 1 : 0);
-  packet.push_back(crc & 0xFF);
-  packet.push_back(crc >> 8);
-  Bytes framed;
-  for (uint8_t b : packet) {
-    if (b == 0x7E || b == 0x7D) {
-      framed.push_back(0x7D);
-      framed.push_back(b ^ 0x20);
-    } else {
-      framed.push_back(b);
-    }
-  }
-  framed.push_back(0x7E);
-  return framed;
-}
-
-// Sized up front and filled in place: GCC 12 at -O3 mistakes an insert after
-// an initializer-list construction for an out-of-bounds copy.
-Bytes log_packet(uint16_t code, const Bytes &payload) {
-  const auto item_len = static_cast<uint16_t>(12 + payload.size());
-  Bytes p(4 + item_len, 0x11);  // 0x11: the timestamp's filler
-  const uint8_t header[] = {0x10,
-                            0x00,
-                            static_cast<uint8_t>(item_len),
-                            static_cast<uint8_t>(item_len >> 8),
-                            static_cast<uint8_t>(item_len),
-                            static_cast<uint8_t>(item_len >> 8),
-                            static_cast<uint8_t>(code),
-                            static_cast<uint8_t>(code >> 8)};
-  std::copy(std::begin(header), std::end(header), p.begin());
-  std::copy(payload.begin(), payload.end(), p.end() - static_cast<std::ptrdiff_t>(payload.size()));
-  return p;
-}
-
-// One event: id word (length code in bits 13-14, short timestamp in bit 15),
-// timestamp, payload (length-prefixed for code 3).
-Bytes event(uint16_t id, const Bytes &payload, bool short_stamp) {
-  const unsigned code = payload.size() <= 2 ? payload.size() : 3;
-  const auto word = static_cast<uint16_t>(id | code << 13 | (short_stamp ? 0x8000 : 0));
-  Bytes e;
-  e.reserve(2 + 8 + 1 + payload.size());
-  e.push_back(static_cast<uint8_t>(word));
-  e.push_back(static_cast<uint8_t>(word >> 8));
-  e.insert(e.end(), short_stamp ? 2 : 8, 0x22);
-  if (code == 3) e.push_back(static_cast<uint8_t>(payload.size()));
-  e.insert(e.end(), payload.begin(), payload.end());
-  return e;
-}
-
-Bytes event_report(const std::vector<Bytes> &events) {
-  Bytes body;
-  for (const auto &e : events) body.insert(body.end(), e.begin(), e.end());
-  // Sized up front: GCC 12 misreads an insert behind a braced list as overflow.
-  Bytes p(3 + body.size());
-  p[0] = 0x60;
-  p[1] = static_cast<uint8_t>(body.size());
-  p[2] = static_cast<uint8_t>(body.size() >> 8);
-  std::copy(body.begin(), body.end(), p.begin() + 3);
-  return p;
-}
+using namespace diag_capture;
 
 std::string write_temp(const Bytes &bytes) {
   char path[] = "/tmp/rpk-decode-test-XXXXXX";
@@ -97,13 +31,33 @@ std::string write_temp(const Bytes &bytes) {
   return path;
 }
 
+// The engine's state that shows in its output: the refusal count it prints and
+// the RRC state event 1606 keeps.
+void reset_engine() {
+  not_support_num = 0;
+  modem_stats_reset_1606_diag_event_lte_rrc_state();
+}
+
 std::string run_decode(std::vector<std::string> args, int *status) {
   args.insert(args.begin(), "rpk-decode");
   std::vector<char *> argv;
   for (auto &a : args) argv.push_back(a.data());
-  modem_stats_reset_1606_diag_event_lte_rrc_state();
+  reset_engine();
   return capture_stdout(
       [&] { *status = rpk_decode_main(static_cast<int>(argv.size()), argv.data()); });
+}
+
+// rpk-decode reading `input` on stdin.
+std::string run_decode_stdin(const std::string &input, std::vector<std::string> args, int *status) {
+  const int saved = dup(STDIN_FILENO);
+  FILE *in = fopen(input.c_str(), "rb");
+  EXPECT_NE(in, nullptr);
+  dup2(fileno(in), STDIN_FILENO);
+  std::string out = run_decode(args, status);
+  dup2(saved, STDIN_FILENO);
+  close(saved);
+  fclose(in);
+  return out;
 }
 
 std::string json(const std::string &code, const std::string &lines, const std::string &stat_id,
@@ -197,6 +151,287 @@ TEST(RpkDecode, TextFormAndItsBadLines) {
   EXPECT_EQ(status, 1);
   run_decode({"--bogus", path}, &status);
   EXPECT_EQ(status, 2);
+}
+
+TEST(DecodeReaders, CrcMatchesTheBitwiseDefinition) {
+  std::mt19937 rng(7);
+  for (size_t len = 0; len < 40; ++len) {
+    Bytes b(len);
+    for (auto &x : b) x = static_cast<uint8_t>(rng());
+    EXPECT_EQ(decode_crc16(b), crc_x25(b)) << len;
+  }
+}
+
+TEST(DecodeReaders, TextLineHexDigitsAnywhere) {
+  std::vector<uint8_t> payload;
+  bool event = false;
+  uint16_t id = 0;
+  // A long payload of every digit in both cases decodes.
+  std::string hex;
+  Bytes expected;
+  for (int i = 0; i < 37; ++i) {
+    const auto b = static_cast<uint8_t>(i * 53 + 7);
+    char two[3];
+    snprintf(two, sizeof two, i % 2 ? "%02x" : "%02X", b);
+    hex += two;
+    expected.push_back(b);
+  }
+  ASSERT_EQ(decode_text_line("B193 " + hex, &event, &id, &payload), decode_line_kind::item);
+  EXPECT_EQ(payload, expected);
+  // Any byte next to the digits' ranges, at every position, makes the line bad.
+  for (const char bad : {'/', ':', '@', 'G', '`', 'g', 'z', ' ', '\x7f', '\x80', '\xb0', '\xff'}) {
+    for (size_t at = 0; at < 24; ++at) {
+      std::string line = "B193 " + hex.substr(0, 24);
+      line[5 + at] = bad;
+      if (bad == ' ' && (at == 0 || at == 23)) continue;  // blanks at the ends are trimmed
+      EXPECT_EQ(decode_text_line(line, &event, &id, &payload), decode_line_kind::bad)
+          << static_cast<int>(static_cast<uint8_t>(bad)) << " at " << at;
+    }
+  }
+}
+
+// What a reader hands over, as text: one line per item, damage or other frame.
+struct recorder {
+  std::string log;
+  decode_sink sink{[this](const decode_item &item, size_t where) {
+                     log += (item.event ? "E" : "L") + std::to_string(item.id) + "@" +
+                            std::to_string(where) + ":" +
+                            std::string(item.payload.begin(), item.payload.end()) + "\n";
+                   },
+                   [this](decode_damage d, size_t where) {
+                     log += std::string(decode_damage_name(d)) + "@" + std::to_string(where) + "\n";
+                   },
+                   [this](uint8_t cmd) { log += "other " + std::to_string(cmd) + "\n"; }};
+};
+
+// The reader's account of `bytes` fed in the pieces that `cuts` (ascending
+// offsets) make.
+template <typename Reader>
+std::string read_in_pieces(const Bytes &bytes, const std::vector<size_t> &cuts) {
+  recorder r;
+  Reader reader(r.sink);
+  size_t from = 0;
+  for (size_t cut : cuts) {
+    reader.feed(std::span(bytes).subspan(from, cut - from));
+    from = cut;
+  }
+  reader.feed(std::span(bytes).subspan(from));
+  reader.finish();
+  return r.log;
+}
+
+template <typename Reader>
+void expect_any_split_reads_alike(const Bytes &bytes, const char *form) {
+  const std::string whole = read_in_pieces<Reader>(bytes, {});
+  for (size_t cut = 0; cut <= bytes.size(); ++cut) {
+    ASSERT_EQ(read_in_pieces<Reader>(bytes, {cut}), whole) << form << " cut at " << cut;
+  }
+  std::vector<size_t> every_byte(bytes.size());
+  for (size_t i = 0; i < bytes.size(); ++i) every_byte[i] = i;
+  EXPECT_EQ(read_in_pieces<Reader>(bytes, every_byte), whole) << form << " byte by byte";
+  std::mt19937 rng(14);
+  for (int round = 0; round < 200; ++round) {
+    std::vector<size_t> cuts;
+    for (size_t at = 0; (at += rng() % 23) < bytes.size();) cuts.push_back(at);
+    ASSERT_EQ(read_in_pieces<Reader>(bytes, cuts), whole) << form << " round " << round;
+  }
+}
+
+TEST(DecodeReaders, AnySplitOfTheInputReadsAlike) {
+  // Escapes right before and after frame ends, a damaged and a foreign frame.
+  Bytes hdlc_capture = {0x7E};
+  for (const Bytes &f :
+       {hdlc(log_packet(0xB193, {0x7E, 0x01, 0x7D})),
+        hdlc(event_report({event(631, {0x7D, 0x7E}, true)}), true), hdlc({0x4B, 0x7D}),
+        hdlc(log_packet(0xB0C2, {0x03, 0x7D, 0x5E})), Bytes{0x10, 0x7D, 0x7E}, Bytes{0x60, 0x7D}}) {
+    hdlc_capture.insert(hdlc_capture.end(), f.begin(), f.end());
+  }
+  const std::string text = "B193 0a0b\n\n# note\r\nE631 0107\nzz 00\nB0C2 03";
+  const Bytes text_capture(text.begin(), text.end());
+
+  EXPECT_EQ(read_in_pieces<decode_hdlc_reader>(hdlc_capture, {}),
+            "L45459@1:~\x01}\nbad CRC@2\nother 75\nL45250@4:\x03}^\nbad escape@5\n"
+            "truncated frame@6\n");
+  EXPECT_EQ(read_in_pieces<decode_text_reader>(text_capture, {}),
+            "L45459@1:\x0a\x0b\nE631@4:\x01\x07\nbad line@5\nL45250@6:\x03\n");
+  expect_any_split_reads_alike<decode_hdlc_reader>(hdlc_capture, "hdlc");
+  expect_any_split_reads_alike<decode_text_reader>(text_capture, "text");
+}
+
+TEST(DecodeReaders, OverLongFrameOrLineIsSkipped) {
+  // The longest log packet still decodes; one byte more is no diag packet.
+  const Bytes longest = log_packet(0xB0C2, Bytes(0xFFFF - 12, 0x33));
+  Bytes too_long = longest;
+  too_long.push_back(0x33);
+  Bytes capture = hdlc(longest);
+  for (const Bytes &f : {hdlc(too_long), Bytes(3 * decode_max_frame, 0x44), Bytes{0x7E},
+                         hdlc(log_packet(0xB0C2, {0x05})), Bytes(decode_max_frame + 1, 0x44)}) {
+    capture.insert(capture.end(), f.begin(), f.end());
+  }
+  std::vector<size_t> blocks;
+  for (size_t at = 65536; at < capture.size(); at += 65536) blocks.push_back(at);
+  const std::string hdlc_log = read_in_pieces<decode_hdlc_reader>(capture, blocks);
+  EXPECT_EQ(hdlc_log.substr(0, 8), "L45250@1");
+  EXPECT_EQ(hdlc_log.substr(hdlc_log.find('\n')),
+            "\nover-long frame@2\nover-long frame@3\nL45250@4:\x05\nover-long frame@5\n");
+
+  std::string text = "B0C2 " + std::string(2 * decode_max_packet, '3') + "\n";
+  text +=
+      std::string(decode_max_line + 1, ' ') + "\nB0C2 05\n" + std::string(decode_max_line + 1, '0');
+  const Bytes text_bytes(text.begin(), text.end());
+  for (const auto &cuts : {std::vector<size_t>{}, blocks}) {
+    const std::string text_log = read_in_pieces<decode_text_reader>(text_bytes, cuts);
+    EXPECT_EQ(text_log.substr(0, 8), "L45250@1");
+    EXPECT_EQ(text_log.substr(text_log.find('\n')),
+              "\nover-long line@2\nL45250@3:\x05\nover-long line@4\n");
+  }
+}
+
+TEST(RpkDecode, StdinAndCapturesLargerThanABlock) {
+  // Frames of an odd size, so block ends fall everywhere inside them.
+  const Bytes frame =
+      hdlc(event_report({event(631, {0x01, 0x07}, true), event(3215, {0x05}, true)}));
+  const std::string one_path = write_temp(frame);
+  Bytes big;
+  const int copies = 10000;
+  for (int i = 0; i < copies; ++i) big.insert(big.end(), frame.begin(), frame.end());
+  ASSERT_GT(big.size(), 2u * 65536);
+  const std::string big_path = write_temp(big);
+
+  int status = -1;
+  const std::string one = run_decode({one_path}, &status);
+  const std::string packets = one.substr(0, one.find("== rpk-decode"));
+  std::string expected;
+  for (int i = 0; i < copies; ++i) expected += packets;
+  expected += "== rpk-decode: " + std::to_string(2 * copies) + " packets\n";
+
+  for (const bool on_stdin : {false, true}) {
+    const std::string out =
+        on_stdin ? run_decode_stdin(big_path, {"-"}, &status) : run_decode({big_path}, &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(out.substr(0, out.find('\n', expected.size() - 1) + 1), expected) << on_stdin;
+  }
+  const std::string json = run_decode_stdin(one_path, {"--json", "-"}, &status);
+  EXPECT_NE(json.find("\"source\": \"-:frame 1\"}\n"), std::string::npos);
+  unlink(one_path.c_str());
+  unlink(big_path.c_str());
+}
+
+TEST(RpkDecode, JsonEscapesTheSourceName) {
+  const Bytes frame = hdlc(event_report({event(631, {0x01, 0x07}, true)}));
+  struct {
+    std::string name;  // appended to a temporary directory
+    std::string escaped;
+  } const cases[] = {
+      {"plain-name.qmdl", "plain-name.qmdl"},
+      {"q\"uote\\back", "q\\\"uote\\\\back"},
+      {"ctl\x01\x1f\x7f-and-a-longer-tail", "ctl\\u0001\\u001f\\u007f-and-a-longer-tail"},
+      {"\xc3\xa9t\xc3\xa9-8-bytes\"", "\\u00c3\\u00a9t\\u00c3\\u00a9-8-bytes\\\""},
+  };
+  char dir[] = "/tmp/rpk-decode-names-XXXXXX";
+  ASSERT_NE(mkdtemp(dir), nullptr);
+  for (const auto &c : cases) {
+    const std::string path = std::string(dir) + "/" + c.name;
+    FILE *f = fopen(path.c_str(), "wb");
+    ASSERT_NE(f, nullptr) << c.escaped;
+    fwrite(frame.data(), 1, frame.size(), f);
+    fclose(f);
+    int status = -1;
+    const std::string out = run_decode({"--json", path}, &status);
+    EXPECT_NE(out.find("\"source\": \"" + std::string(dir) + "/" + c.escaped + ":frame 1\"}\n"),
+              std::string::npos)
+        << out;
+    unlink(path.c_str());
+  }
+  rmdir(dir);
+}
+
+// The --json objects rpk-decode printed before its engine output was captured
+// in memory: each packet dispatched with the engine printing to stdout, the
+// text cut into lines and escaped byte by byte.
+std::string json_reference(const std::string &path) {
+  std::ifstream in(path);
+  std::string out;
+  std::string line;
+  size_t line_no = 0;
+  std::vector<uint8_t> payload;
+  while (std::getline(in, line)) {
+    ++line_no;
+    bool event = false;
+    uint16_t id = 0;
+    if (decode_text_line(line, &event, &id, &payload) != decode_line_kind::item) continue;
+    std::vector<uint8_t> area(std::max<size_t>(MODEM_STATS_READABLE_LEN, payload.size()), 0);
+    std::copy(payload.begin(), payload.end(), area.begin());
+    const uint64_t refused = not_support_num;
+    const uint64_t failed = modem_stats_failures();
+    uint32_t stat_id = 0;
+    modem_stats_single *record = nullptr;
+    const std::string printed = capture_stdout([&] {
+      if (event) {
+        modem_stats_diag_process_event_rec(id, area.data(), &stat_id, &record);
+      } else {
+        modem_stats_diag_process_log_rec(id, area.data(), &stat_id, &record);
+      }
+    });
+    auto quoted = [](const std::string &s) {
+      std::string q = "\"";
+      for (unsigned char c : s) {
+        char esc[8];
+        snprintf(esc, sizeof esc,
+                 c == '"' || c == '\\'   ? "\\%c"
+                 : c < 0x20 || c >= 0x7F ? "\\u%04x"
+                                         : "%c",
+                 c);
+        q += esc;
+      }
+      return q + "\"";
+    };
+    std::string lines;
+    for (size_t at = 0; at < printed.size();) {
+      const size_t nl = std::min(printed.find('\n', at), printed.size());
+      lines += (lines.empty() ? "" : ", ") + quoted(printed.substr(at, nl - at));
+      at = nl + 1;
+    }
+    char code[8];
+    snprintf(code, sizeof code, event ? "E%u" : "%04X", static_cast<unsigned>(id));
+    std::string rec = "null";
+    if (record != nullptr) {
+      rec = "\"";
+      for (int i = 0; i < record->data_len; ++i) {
+        char hex[4];
+        snprintf(hex, sizeof hex, "%02x", record->data[i]);
+        rec += hex;
+      }
+      rec += "\"";
+    }
+    const char *status = record != nullptr                  ? "decoded"
+                         : not_support_num != refused       ? "refused"
+                         : modem_stats_failures() != failed ? "invalid"
+                                                            : "no_record";
+    out += json(code, lines, record != nullptr ? std::to_string(record->stat_id) : "null", rec,
+                status, path + ":" + std::to_string(line_no));
+    modem_stats_free_single(record);
+  }
+  return out;
+}
+
+TEST(RpkDecode, JsonOnRealPacketsMatchesTheConsoleEngine) {
+  int files = 0;
+  for (const char *name : {"mobileinsight-core.txt", "scat-tests.txt"}) {
+    const std::string path = std::string(RPK_REALDATA_DIR) + "/" + name;
+    if (access(path.c_str(), R_OK) != 0) continue;
+    ++files;
+    reset_engine();
+    const std::string expected = json_reference(path);
+    int status = -1;
+    const std::string out = run_decode({"--json", path}, &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(out == expected)
+        << name << ": output differs from the reference at byte "
+        << std::mismatch(out.begin(), out.end(), expected.begin(), expected.end()).first -
+               out.begin();
+  }
+  if (files == 0) GTEST_SKIP() << "no real packets at " << RPK_REALDATA_DIR;
 }
 
 }  // namespace
