@@ -4,8 +4,9 @@
 //   rpk-nvefs-probe write SUB PATH LEN [-q]   write LEN pattern bytes as PATH
 //   rpk-nvefs-probe read SUB PATH ROOM [-q]   read PATH into a ROOM-byte buffer
 //
-// Pattern byte i is 1 + i % 251 (never 0). -q keeps the per-chunk trace off
-// stdout; the result line is always printed.
+// Pattern byte i is 1 + (i + seed) % 251 (never 0), the seed taken from
+// RPK_PROBE_SEED (default 0), so concurrent writers can write different files.
+// -q keeps the per-chunk trace off stdout; the result line is always printed.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,7 +20,15 @@
 
 namespace {
 
-uint8_t pattern(size_t i) { return static_cast<uint8_t>(1 + i % 251); }
+size_t seed() {
+  const char *s = getenv("RPK_PROBE_SEED");
+  return s == nullptr ? 0 : strtoul(s, nullptr, 0);
+}
+
+uint8_t pattern(size_t i) {
+  static const size_t base = seed();
+  return static_cast<uint8_t>(1 + (i + base) % 251);
+}
 
 // Runs body with stdout on /dev/null when quiet.
 template <typename F>
