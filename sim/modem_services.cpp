@@ -43,11 +43,11 @@ FaultEffect apply_faults(Faults &faults, uint32_t service, int64_t request_id, O
 
 std::string to_hex(const uint8_t *p, size_t n) {
   static constexpr char kDigits[] = "0123456789abcdef";
-  std::string s;
-  s.reserve(n * 2);
+  std::string s(n * 2, '\0');
+  char *out = s.data();
   for (size_t i = 0; i < n; ++i) {
-    s.push_back(kDigits[p[i] >> 4]);
-    s.push_back(kDigits[p[i] & 0x0F]);
+    *out++ = kDigits[p[i] >> 4];
+    *out++ = kDigits[p[i] & 0x0F];
   }
   return s;
 }
