@@ -119,22 +119,22 @@ size_t remove_stale_temporaries(const std::string &dir) {
 bool read_file(const std::string &path, std::string &out) {
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;
-  // Sized from fstat, read until the end: a file that grows meanwhile is
-  // still read whole.
+  // A regular file is read in one call of its size (a short read is its
+  // end); anything else, such as a pipe, until read says the end.
   struct stat st {};
-  out.resize(fstat(fd, &st) == 0 && st.st_size > 0 ? static_cast<size_t>(st.st_size) + 1 : 4096);
+  const bool regular = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+  out.resize(regular ? static_cast<size_t>(st.st_size) + 1 : 4096);
   size_t done = 0;
   for (;;) {
     if (done == out.size()) out.resize(out.size() * 2);
     const ssize_t n = read(fd, out.data() + done, out.size() - done);
     if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) {
-      out.resize(done);
-      close(fd);
-      return true;  // as before: only a file that cannot be opened fails
-    }
-    done += static_cast<size_t>(n);
+    if (n > 0) done += static_cast<size_t>(n);
+    if (n <= 0 || (regular && done < out.size())) break;
   }
+  out.resize(done);
+  close(fd);
+  return true;  // as before: only a file that cannot be opened fails
 }
 
 BoundedLog::BoundedLog(std::string path, size_t max_bytes)
