@@ -1,6 +1,7 @@
 // Extend-QMI costs against the simulated modem, each beside its floor: the
 // same number of bare round trips of the same packet sizes on a Unix
-// SOCK_SEQPACKET socket pair answered by an echo thread.
+// SOCK_SEQPACKET socket pair answered by an echo thread, and for the EFS
+// write also one durable atomic write of the whole file.
 //
 //   rpk_qmi_bench [--benchmark_filter=...]
 //
@@ -22,6 +23,7 @@
 
 #include "bench/quiet_stdout.h"
 #include "front/velmar_test_nvefs.h"
+#include "platform/host/link/rpk_host.h"
 #include "velmar_extend_qmi/velmar_extend_nvefs.h"
 
 extern char **environ;
@@ -114,6 +116,21 @@ void BM_EfsRead(benchmark::State &state) {
   if (back != data) state.SkipWithError("EFS read returned other bytes");
 }
 
+// The other part of the EFS write's floor: the file written once, durably and
+// atomically, as the simulated modem stores it.
+void BM_DurableFileWrite(benchmark::State &state) {
+  const std::vector<uint8_t> data = file_bytes();
+  const std::string path = g_state_dir + "/durable_floor.bin";
+  const std::string_view bytes(reinterpret_cast<const char *>(data.data()), data.size());
+  for (auto _ : state) {
+    if (!rpk_host::write_file_atomic(path, bytes)) {
+      state.SkipWithError("cannot write the file");
+      break;
+    }
+  }
+  unlink(path.c_str());
+}
+
 // The floor: state.range(0) request/response pairs of full messages.
 void BM_SocketRoundTrips(benchmark::State &state) {
   int fds[2];
@@ -146,6 +163,7 @@ BENCHMARK(BM_SocketRoundTrips)->Arg(1)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_EfsWrite)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_EfsRead)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SocketRoundTrips)->Arg(kFileRequests)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DurableFileWrite)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

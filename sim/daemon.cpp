@@ -298,9 +298,11 @@ void Daemon::run() {
     Listener *listener = nullptr;
     uint64_t conn = 0;
   };
+  std::vector<pollfd> fds;  // kept across rounds: no allocation per request
+  std::vector<Polled> what;
   while (!stopping_) {
-    std::vector<pollfd> fds;
-    std::vector<Polled> what;
+    fds.clear();
+    what.clear();
     if (signal_fd_ >= 0) {
       fds.push_back({signal_fd_, POLLIN, 0});
       what.push_back({});

@@ -2,13 +2,91 @@
 
 #include <sys/time.h>
 
+#include <charconv>
 #include <ctime>
+#include <string_view>
 
 namespace rpk_sim {
+namespace {
+
+using json = nlohmann::json;
+
+// A string needs no escaping when it is printable ASCII without '"' or '\'.
+// Entries are mostly long hex strings, so those are copied as they are; the
+// rest goes through the library, which escapes them the same way as before.
+void put_string(std::string &out, std::string_view s) {
+  // No early exit: the loop vectorizes.
+  bool plain = true;
+  for (const char c : s) {
+    const auto u = static_cast<unsigned char>(c);
+    plain &= u >= 0x20 && u <= 0x7E && u != '"' && u != '\\';
+  }
+  if (!plain) {
+    out += json(s).dump(-1, ' ', false, json::error_handler_t::replace);
+    return;
+  }
+  out += '"';
+  out += s;
+  out += '"';
+}
+
+template <typename T>
+void put_number(std::string &out, T v) {
+  char buf[24];
+  const auto r = std::to_chars(buf, buf + sizeof buf, v);
+  out.append(buf, r.ptr);
+}
+
+void put_value(std::string &out, const json &j);
+
+void put_member(std::string &out, bool &first, std::string_view key, const json &value) {
+  if (!first) out += ',';
+  first = false;
+  put_string(out, key);
+  out += ':';
+  put_value(out, value);
+}
+
+void put_value(std::string &out, const json &j) {
+  switch (j.type()) {
+    case json::value_t::object: {
+      out += '{';
+      bool first = true;
+      for (const auto &[key, value] : j.items()) put_member(out, first, key, value);
+      out += '}';
+      break;
+    }
+    case json::value_t::array: {
+      out += '[';
+      bool first = true;
+      for (const auto &value : j) {
+        if (!first) out += ',';
+        first = false;
+        put_value(out, value);
+      }
+      out += ']';
+      break;
+    }
+    case json::value_t::string:
+      put_string(out, j.get_ref<const std::string &>());
+      break;
+    case json::value_t::number_integer:
+      put_number(out, j.get<int64_t>());
+      break;
+    case json::value_t::number_unsigned:
+      put_number(out, j.get<uint64_t>());
+      break;
+    default:  // null, booleans, floating point, binary
+      out += j.dump(-1, ' ', false, json::error_handler_t::replace);
+      break;
+  }
+}
+
+}  // namespace
 
 Journal::Journal(std::string path, size_t max_bytes) : log_(std::move(path), max_bytes) {}
 
-void Journal::append(nlohmann::json entry) {
+void Journal::append(const nlohmann::json &entry) {
   timeval tv{};
   gettimeofday(&tv, nullptr);
   tm utc{};
@@ -16,9 +94,35 @@ void Journal::append(nlohmann::json entry) {
   char stamp[40];
   size_t n = strftime(stamp, sizeof stamp, "%Y-%m-%dT%H:%M:%S", &utc);
   snprintf(stamp + n, sizeof stamp - n, ".%03ldZ", static_cast<long>(tv.tv_usec / 1000));
-  entry["seq"] = ++seq_;
-  entry["time"] = stamp;
-  log_.append(entry.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
+  const json seq = ++seq_;
+  const json time = stamp;
+
+  // The entry as one compact JSON object with "seq" and "time" in their
+  // places among its sorted keys, written without copying the entry.
+  line_.clear();
+  line_ += '{';
+  bool first = true;
+  bool seq_done = false;
+  bool time_done = false;
+  auto put_ours_before = [&](std::string_view key) {
+    if (!seq_done && key >= "seq") {
+      put_member(line_, first, "seq", seq);
+      seq_done = true;
+    }
+    if (!time_done && key >= "time") {
+      put_member(line_, first, "time", time);
+      time_done = true;
+    }
+  };
+  if (entry.is_object()) {
+    for (const auto &[key, value] : entry.items()) {
+      put_ours_before(key);
+      if (key != "seq" && key != "time") put_member(line_, first, key, value);
+    }
+  }
+  put_ours_before("\x7f");
+  line_ += "}\n";
+  log_.append(line_);
 }
 
 void Journal::clear() {

@@ -21,7 +21,7 @@ class Journal {
   explicit Journal(std::string path, size_t max_bytes = kJournalMax);
 
   // Adds "seq" and "time" to the entry and appends it.
-  void append(nlohmann::json entry);
+  void append(const nlohmann::json &entry);
   // Empties the journal (both files) and starts counting again.
   void clear();
   const std::string &path() const { return log_.path(); }
@@ -29,6 +29,7 @@ class Journal {
  private:
   rpk_host::BoundedLog log_;
   uint64_t seq_ = 0;
+  std::string line_;  // reused: the line being written
 };
 
 }  // namespace rpk_sim

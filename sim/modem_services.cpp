@@ -1,6 +1,8 @@
 #include "modem_services.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 
 #include "modem_errors.h"
 #include "qmi_wire.h"
@@ -42,13 +44,19 @@ FaultEffect apply_faults(Faults &faults, uint32_t service, int64_t request_id, O
 }  // namespace
 
 std::string to_hex(const uint8_t *p, size_t n) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  std::string s;
-  s.reserve(n * 2);
-  for (size_t i = 0; i < n; ++i) {
-    s.push_back(kDigits[p[i] >> 4]);
-    s.push_back(kDigits[p[i] & 0x0F]);
-  }
+  // Both digits of every byte value, so each byte is one two-byte copy.
+  static constexpr auto kPairs = [] {
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::array<char, 512> pairs{};
+    for (size_t b = 0; b < 256; ++b) {
+      pairs[2 * b] = kDigits[b >> 4];
+      pairs[2 * b + 1] = kDigits[b & 0x0F];
+    }
+    return pairs;
+  }();
+  std::string s(n * 2, '\0');
+  char *out = s.data();
+  for (size_t i = 0; i < n; ++i) memcpy(out + 2 * i, &kPairs[2 * p[i]], 2);
   return s;
 }
 

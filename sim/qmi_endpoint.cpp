@@ -30,7 +30,7 @@ void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packe
   if (!take_request(host_, packet, entry, &h)) return;
   Outcome out = host_.modem().handle(conn, id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen,
                                      h.len, host_.faults());
-  entry.update(out.journal);
+  for (auto &[key, value] : out.journal.items()) entry[key] = std::move(value);
   host_.journal().append(entry);
   if (!out.reply) {
     host_.close_conn(conn);

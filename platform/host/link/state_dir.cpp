@@ -9,8 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "platform/host/link/rpk_host.h"
 
@@ -119,12 +117,24 @@ size_t remove_stale_temporaries(const std::string &dir) {
 }
 
 bool read_file(const std::string &path, std::string &out) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return false;
-  std::ostringstream ss;
-  ss << in.rdbuf();
-  out = ss.str();
-  return true;
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return false;
+  // A regular file is read in one call of its size (a short read is its
+  // end); anything else, such as a pipe, until read says the end.
+  struct stat st {};
+  const bool regular = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+  out.resize(regular ? static_cast<size_t>(st.st_size) + 1 : 4096);
+  size_t done = 0;
+  for (;;) {
+    if (done == out.size()) out.resize(out.size() * 2);
+    const ssize_t n = read(fd, out.data() + done, out.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n > 0) done += static_cast<size_t>(n);
+    if (n <= 0 || (regular && done < out.size())) break;
+  }
+  out.resize(done);
+  close(fd);
+  return true;  // as before: only a file that cannot be opened fails
 }
 
 BoundedLog::BoundedLog(std::string path, size_t max_bytes)

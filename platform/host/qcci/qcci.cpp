@@ -1,19 +1,28 @@
 // Host QMI client framework (QCCI): the calls of qmi_client.h over the host
 // transport of qmi_host_transport.h, messages encoded and decoded by the
 // table-driven codec. Each client has one reader thread, the library's own,
-// which completes pending transactions and runs the indication callback; each
-// notifier has one watcher thread.
+// which runs the indication callback; each notifier has one watcher thread.
+//
+// One thread at a time reads a client's socket. A thread waiting for its
+// answer reads it itself when nobody else does, so a request costs the two
+// wake-ups of a bare round trip instead of three; packets it meets that are
+// not its own go to their waiter, indications to the reader thread. The
+// reader thread reads only once the client has been idle for kReaderLinger,
+// so back-to-back requests never have to wait for it to hand an answer over.
+#include <poll.h>
 #include <qmi_client.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -38,7 +47,8 @@ struct qmi_client_struct {
   std::thread thread;  // reader of a client, watcher of a notifier
 
   std::mutex mu;
-  std::condition_variable cv;
+  std::condition_variable cv;         // senders (and a release) wait here
+  std::condition_variable reader_cv;  // the reader thread waits here
   // Guarded by mu.
   bool stop = false;  // notifier: end the watcher; client: released
   bool dead = false;  // client: the connection is gone
@@ -46,6 +56,10 @@ struct qmi_client_struct {
   bool delete_on_exit = false;
   uint16_t last_txn = 0;
   std::map<uint16_t, Pending *> pending;
+  bool reading = false;  // a thread reads the socket
+  int active = 0;        // sends waiting for their answer
+  std::chrono::steady_clock::time_point idle_since;
+  std::deque<std::vector<uint8_t>> indications;  // read by a sender, for the reader thread
 
   // Client only; fixed after init.
   int fd = -1;
@@ -76,6 +90,9 @@ constexpr auto kWatchPeriod = std::chrono::milliseconds(20);
 constexpr auto kInitRetryPeriod = std::chrono::milliseconds(5);
 // How long an init follows a daemon being replaced before it gives up.
 constexpr auto kDaemonChangeWait = std::chrono::seconds(5);
+// How long the reader thread leaves the socket to senders after the last
+// answer: an indication that comes while nobody reads waits at most this.
+constexpr auto kReaderLinger = std::chrono::milliseconds(10);
 // A service welcomes a client at once; this only bounds a hung one.
 constexpr int kWelcomeWaitMs = 10000;
 
@@ -176,41 +193,89 @@ void forget_missing_service(uint32_t service_id) {
   }
 }
 
+// A packet read by whichever thread reads: a response completes its
+// transaction, an indication is kept for the reader thread.
+void take_packet_nolock(qmi_client_type h, const uint8_t *p, size_t n) {
+  rpk_qmi::Header hdr;
+  // A malformed packet cannot be matched to anything; drop it.
+  if (!rpk_qmi::parse_header(p, n, &hdr)) return;
+  if (hdr.ctl == rpk_qmi::kCtlResponse) {
+    auto it = h->pending.find(hdr.txn);
+    if (it != h->pending.end() && !it->second->done) {
+      it->second->packet.assign(p, p + n);
+      it->second->done = true;
+      h->cv.notify_all();
+    }
+  } else if (hdr.ctl == rpk_qmi::kCtlIndication && h->ind_cb != nullptr) {
+    h->indications.emplace_back(p, p + n);
+    h->reader_cv.notify_one();
+  }
+}
+
 void read_packets(qmi_client_type h) {
   std::vector<uint8_t> buf(rpk_qmi::kMaxPacket);
+  std::unique_lock<std::mutex> lock(h->mu);
   for (;;) {
-    ssize_t n = recv(h->fd, buf.data(), buf.size(), 0);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) break;
-    rpk_qmi::Header hdr;
-    // A malformed packet cannot be matched to anything; drop it.
-    if (!rpk_qmi::parse_header(buf.data(), static_cast<size_t>(n), &hdr)) continue;
-    if (hdr.ctl == rpk_qmi::kCtlResponse) {
-      std::lock_guard<std::mutex> lock(h->mu);
-      auto it = h->pending.find(hdr.txn);
-      if (it != h->pending.end() && !it->second->done) {
-        it->second->packet.assign(buf.begin(), buf.begin() + n);
-        it->second->done = true;
-        h->cv.notify_all();
-      }
-    } else if (hdr.ctl == rpk_qmi::kCtlIndication && h->ind_cb != nullptr) {
-      h->ind_cb(h, hdr.msg_id, buf.data() + rpk_qmi::kHeaderLen, hdr.len, h->ind_cb_data);
+    if (!h->indications.empty()) {
+      std::vector<uint8_t> ind = std::move(h->indications.front());
+      h->indications.pop_front();
+      lock.unlock();
+      rpk_qmi::Header hdr;
+      rpk_qmi::parse_header(ind.data(), ind.size(), &hdr);  // checked when it was kept
+      h->ind_cb(h, hdr.msg_id, ind.data() + rpk_qmi::kHeaderLen, hdr.len, h->ind_cb_data);
+      lock.lock();
+      continue;
     }
+    if (h->dead) break;
+    // Senders read their own answers; the socket is taken back once they
+    // have been quiet for a while (at once when released).
+    if (h->reading || (!h->released && (h->active > 0 || std::chrono::steady_clock::now() <
+                                                             h->idle_since + kReaderLinger))) {
+      const auto now = std::chrono::steady_clock::now();
+      h->reader_cv.wait_until(lock, std::max(now, h->idle_since) + kReaderLinger);
+      continue;
+    }
+    h->reading = true;
+    lock.unlock();
+    ssize_t n;
+    while ((n = recv(h->fd, buf.data(), buf.size(), 0)) < 0 && errno == EINTR) {
+    }
+    lock.lock();
+    h->reading = false;
+    if (n <= 0) break;
+    take_packet_nolock(h, buf.data(), static_cast<size_t>(n));
+    h->cv.notify_all();  // a sender may read now
   }
   bool self_delete = false;
-  {
-    std::lock_guard<std::mutex> lock(h->mu);
-    h->dead = true;
-    self_delete = h->delete_on_exit;
-    // A client whose connection ended may never be released (the product
-    // keeps its client for the life of the process): the reader lets go of
-    // itself, unless a release already waits to join it.
-    if (!self_delete && !h->released) h->thread.detach();
-    h->cv.notify_all();
-  }
+  h->dead = true;
+  self_delete = h->delete_on_exit;
+  // A client whose connection ended may never be released (the product
+  // keeps its client for the life of the process): the reader lets go of
+  // itself, unless a release already waits to join it.
+  if (!self_delete && !h->released) h->thread.detach();
+  h->cv.notify_all();
+  lock.unlock();
   if (self_delete) {
     close(h->fd);
     delete h;
+  }
+}
+
+// Reads one packet for a sender: -1 when the wait ran out, 0 when the
+// connection ended.
+ssize_t receive(int fd, uint8_t *buf, size_t size, int wait_ms) {
+  for (;;) {
+    if (wait_ms >= 0) {
+      pollfd p{fd, POLLIN, 0};
+      const int ready = poll(&p, 1, wait_ms);
+      if (ready < 0 && errno == EINTR) continue;
+      if (ready == 0) return -1;
+    }
+    const ssize_t n = recv(fd, buf, size, wait_ms >= 0 ? MSG_DONTWAIT : 0);
+    if (n >= 0) return n;
+    if (errno == EINTR) continue;
+    if (errno == EAGAIN || errno == EWOULDBLOCK) return -1;
+    return 0;
   }
 }
 
@@ -411,13 +476,15 @@ qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type user_handle, unsi
     return QMI_CLIENT_PARAM_ERR;
   }
 
-  std::vector<uint8_t> packet(rpk_qmi::kMaxPacket);
+  // The largest packet, allocated once per thread and never cleared: only
+  // what the encoder writes is sent.
+  thread_local std::unique_ptr<uint8_t[]> packet_buf(new uint8_t[rpk_qmi::kMaxPacket]);
+  uint8_t *const packet = packet_buf.get();
   uint32_t tlv_len = 0;
   if (req_c_struct_len != 0) {
-    rc = rpk_qmi::encode_message(h->svc, QMI_IDL_REQUEST, id, req_c_struct, req_c_struct_len,
-                                 packet.data() + rpk_qmi::kHeaderLen,
-                                 static_cast<uint32_t>(packet.size() - rpk_qmi::kHeaderLen),
-                                 &tlv_len);
+    rc = rpk_qmi::encode_message(
+        h->svc, QMI_IDL_REQUEST, id, req_c_struct, req_c_struct_len, packet + rpk_qmi::kHeaderLen,
+        static_cast<uint32_t>(rpk_qmi::kMaxPacket - rpk_qmi::kHeaderLen), &tlv_len);
     if (rc != 0) return rc;
   }
 
@@ -430,24 +497,52 @@ qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type user_handle, unsi
       txn = ++h->last_txn;
     } while (txn == 0 || h->pending.count(txn) != 0);
     h->pending[txn] = &pending;
+    ++h->active;
   }
-  rpk_qmi::put_header(packet.data(),
-                      {rpk_qmi::kCtlRequest, txn, id, static_cast<uint16_t>(tlv_len)});
-  const ssize_t sent = send(h->fd, packet.data(), rpk_qmi::kHeaderLen + tlv_len, MSG_NOSIGNAL);
+  rpk_qmi::put_header(packet, {rpk_qmi::kCtlRequest, txn, id, static_cast<uint16_t>(tlv_len)});
+  const ssize_t sent = send(h->fd, packet, rpk_qmi::kHeaderLen + tlv_len, MSG_NOSIGNAL);
 
   std::unique_lock<std::mutex> lock(h->mu);
-  auto ready = [&] { return pending.done || h->dead; };
   bool answered = false;
   if (sent == static_cast<ssize_t>(rpk_qmi::kHeaderLen + tlv_len)) {
-    if (timeout_msecs == 0) {
-      h->cv.wait(lock, ready);
-    } else {
-      h->cv.wait_for(lock, std::chrono::milliseconds(timeout_msecs), ready);
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_msecs);
+    while (!pending.done && !h->dead) {
+      if (h->reading) {
+        // Another thread reads: it hands the answer over.
+        if (timeout_msecs == 0) {
+          h->cv.wait(lock);
+        } else if (h->cv.wait_until(lock, deadline) == std::cv_status::timeout) {
+          break;
+        }
+        continue;
+      }
+      int wait_ms = -1;
+      if (timeout_msecs != 0) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0) break;
+        wait_ms = static_cast<int>(left.count());
+      }
+      h->reading = true;
+      lock.unlock();
+      // The packet buffer is free again once the request is out.
+      const ssize_t n = receive(h->fd, packet, rpk_qmi::kMaxPacket, wait_ms);
+      lock.lock();
+      h->reading = false;
+      if (n == 0) {
+        h->dead = true;
+        h->reader_cv.notify_one();  // the reader thread ends the client
+      } else if (n > 0) {
+        take_packet_nolock(h, packet, static_cast<size_t>(n));
+      }
+      h->cv.notify_all();  // another sender may read now
     }
     answered = pending.done;
   }
   const bool dead = h->dead;
   h->pending.erase(txn);
+  if (--h->active == 0) h->idle_since = std::chrono::steady_clock::now();
   lock.unlock();
 
   if (!answered) {
@@ -491,6 +586,7 @@ qmi_client_error_type qmi_client_release(qmi_client_type user_handle) {
   {
     std::lock_guard<std::mutex> lock(h->mu);
     h->released = true;
+    h->reader_cv.notify_one();
     if (h->thread.get_id() == std::this_thread::get_id()) {
       // Released from its own indication callback: the reader frees it.
       h->thread.detach();

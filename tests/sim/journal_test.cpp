@@ -1,0 +1,68 @@
+// The journal writes its lines itself, for speed: they must be the bytes the
+// JSON library makes of the same entry with "seq" and "time" added.
+#include "journal.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "platform/host/link/rpk_host.h"
+
+namespace rpk_sim {
+namespace {
+
+using json = nlohmann::json;
+
+std::string library_line(json entry, const json &written) {
+  entry["seq"] = written["seq"];
+  entry["time"] = written["time"];
+  return entry.dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
+TEST(Journal, LinesAreTheLibrarysCompactDump) {
+  char dir[] = "/tmp/rpk-journal-XXXXXX";
+  ASSERT_NE(mkdtemp(dir), nullptr);
+  const std::string path = std::string(dir) + "/journal.jsonl";
+  const json entries[] = {
+      {{"service", "0xffe4"}, {"client", 3}, {"wire", "00010002"}, {"txn", 1}},
+      // Keys before, between and after "seq" and "time"; a stale seq/time.
+      {{"a", 1}, {"sea", 2}, {"seq", "old"}, {"sf", 3}, {"time", 0}, {"tz", nullptr}, {"z", true}},
+      // Text that needs escaping, invalid UTF-8, multi-byte UTF-8, a key too.
+      {{"text", "quote \" back \\ tab \t nl \n bell \x07"},
+       {"bad", std::string("\xff\xfe ok", 5)},
+       {"utf8", "d\xc3\xa9j\xc3\xa0"},
+       {"k\"ey", "v"}},
+      // Nesting, negative, large and floating numbers, empty containers.
+      {{"corrupt", {{"flip", json::array({1, 2, 3})}, {"claim", -7}}},
+       {"big", UINT64_MAX},
+       {"ratio", 0.25},
+       {"none", json::object()},
+       {"list", json::array()}},
+      json::object(),
+  };
+  {
+    Journal journal(path);
+    for (const auto &e : entries) journal.append(e);
+  }
+  std::string text;
+  ASSERT_TRUE(rpk_host::read_file(path, text));
+  size_t at = 0;
+  uint64_t seq = 0;
+  for (const auto &e : entries) {
+    const size_t end = text.find('\n', at);
+    ASSERT_NE(end, std::string::npos);
+    const std::string line = text.substr(at, end - at);
+    const json written = json::parse(line, nullptr, false);
+    ASSERT_TRUE(written.is_object()) << line;
+    EXPECT_EQ(written["seq"], ++seq);
+    EXPECT_EQ(line, library_line(e, written));
+    at = end + 1;
+  }
+  EXPECT_EQ(at, text.size());
+  std::filesystem::remove_all(dir);
+}
+
+}  // namespace
+}  // namespace rpk_sim
