@@ -22,9 +22,8 @@
 #include <vector>
 
 #include "bench/quiet_stdout.h"
+#include "bench/sim_bench_support.h"
 #include "velmar_extend_qmi/velmar_diag_send.h"
-
-extern char **environ;
 
 namespace {
 
@@ -32,18 +31,6 @@ namespace {
 // count keeps their number bounded.
 constexpr int kSends = 300;
 constexpr int kProcesses = 30;
-
-std::string g_state_dir;
-
-void use_private_state_dir() {
-  char tmpl[] = "/tmp/rpk-bench-XXXXXX";
-  if (mkdtemp(tmpl) == nullptr) {
-    perror("mkdtemp");
-    exit(1);
-  }
-  g_state_dir = tmpl;
-  setenv("RPK_SIM_DIR", tmpl, 1);
-}
 
 using Sender = int (*)(const uint8_t *, int32_t, uint8_t *, int32_t *, int32_t);
 
@@ -70,45 +57,11 @@ void BM_DiagDciSend(benchmark::State &state) {
 }
 
 void BM_DiagCallbackProcess(benchmark::State &state) {
-  const char *argv[] = {RPK_BENCH_RPK, "5", "0", "0", "0", "3000", "0x1D", nullptr};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  for (auto _ : state) {
-    pid_t pid = 0;
-    if (posix_spawn(&pid, argv[0], &actions, nullptr, const_cast<char **>(argv), environ) != 0) {
-      state.SkipWithError("cannot start rpk");
-      break;
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-  }
-  posix_spawn_file_actions_destroy(&actions);
+  rpk_bench::run_processes(state, {RPK_BENCH_RPK, "5", "0", "0", "0", "3000", "0x1D"});
 }
 
 // The floor: one small request and its answer.
-void BM_SocketRoundTrip(benchmark::State &state) {
-  int fds[2];
-  if (socketpair(AF_UNIX, SOCK_SEQPACKET, 0, fds) != 0) {
-    state.SkipWithError("socketpair failed");
-    return;
-  }
-  std::thread echo([fd = fds[1]] {
-    uint8_t buf[64];
-    ssize_t n;
-    while ((n = recv(fd, buf, sizeof buf, 0)) > 0) send(fd, buf, static_cast<size_t>(n), 0);
-  });
-  uint8_t out[9] = {0x01, 0, 0, 0, 0, 0, 0, 0, 0x1D};
-  uint8_t in[64];
-  for (auto _ : state) {
-    send(fds[0], out, sizeof out, 0);
-    recv(fds[0], in, sizeof in, 0);
-  }
-  shutdown(fds[0], SHUT_RDWR);
-  echo.join();
-  close(fds[0]);
-  close(fds[1]);
-}
+void BM_SocketRoundTrip(benchmark::State &state) { rpk_bench::socket_round_trips(state, 1, 9); }
 
 BENCHMARK(BM_DiagCallbackSend)->Iterations(kSends)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_DiagDciSend)->Iterations(kSends)->Unit(benchmark::kMicrosecond);
@@ -118,14 +71,11 @@ BENCHMARK(BM_SocketRoundTrip)->Unit(benchmark::kMicrosecond);
 }  // namespace
 
 int main(int argc, char **argv) {
-  use_private_state_dir();
+  const std::string state_dir = rpk_bench::use_private_state_dir();
   // Started before the clock runs: the first send would otherwise pay for it.
   if (system("'" RPK_BENCH_SIM "' start >/dev/null 2>&1") != 0) return 1;
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
-  const std::string stop = "RPK_SIM_DIR='" + g_state_dir +
-                           "' '" RPK_BENCH_SIM "' stop >/dev/null 2>&1; rm -rf '" + g_state_dir +
-                           "'";
-  return system(stop.c_str()) == 0 ? 0 : 1;
+  return rpk_bench::drop_state_dir(state_dir, RPK_BENCH_SIM) ? 0 : 1;
 }

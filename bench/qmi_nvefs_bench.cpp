@@ -22,11 +22,10 @@
 #include <vector>
 
 #include "bench/quiet_stdout.h"
+#include "bench/sim_bench_support.h"
 #include "front/velmar_test_nvefs.h"
 #include "platform/host/link/rpk_host.h"
 #include "velmar_extend_qmi/velmar_extend_nvefs.h"
-
-extern char **environ;
 
 namespace {
 
@@ -35,19 +34,6 @@ constexpr int kFileRequests = (kFileLen + VELMAR_EFS_CHUNK_MAX - 1) / VELMAR_EFS
 // A full Extend-QMI message either way: 7-byte header and 529 bytes of TLVs.
 constexpr size_t kPacket = 7 + 529;
 constexpr char kPath[] = "/nv/item_files/rpk_bench/file";
-
-std::string g_state_dir;
-
-// Points the platform at a private state directory before the first request.
-void use_private_state_dir() {
-  char tmpl[] = "/tmp/rpk-bench-XXXXXX";
-  if (mkdtemp(tmpl) == nullptr) {
-    perror("mkdtemp");
-    exit(1);
-  }
-  g_state_dir = tmpl;
-  setenv("RPK_SIM_DIR", tmpl, 1);
-}
 
 int32_t nv_read_command() {
   char a0[] = "rpk", a1[] = "4", a2[] = "1", a3[] = "0", a4[] = "550";
@@ -64,20 +50,7 @@ void BM_NvReadCommand(benchmark::State &state) {
 
 // `rpk 4 1 0 550` as a user runs it: process start, session open, one request.
 void BM_NvReadProcess(benchmark::State &state) {
-  const char *argv[] = {RPK_BENCH_RPK, "4", "1", "0", "550", nullptr};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  for (auto _ : state) {
-    pid_t pid = 0;
-    if (posix_spawn(&pid, argv[0], &actions, nullptr, const_cast<char **>(argv), environ) != 0) {
-      state.SkipWithError("cannot start rpk");
-      break;
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-  }
-  posix_spawn_file_actions_destroy(&actions);
+  rpk_bench::run_processes(state, {RPK_BENCH_RPK, "4", "1", "0", "550"});
 }
 
 std::vector<uint8_t> file_bytes() {
@@ -120,7 +93,7 @@ void BM_EfsRead(benchmark::State &state) {
 // atomically, as the simulated modem stores it.
 void BM_DurableFileWrite(benchmark::State &state) {
   const std::vector<uint8_t> data = file_bytes();
-  const std::string path = g_state_dir + "/durable_floor.bin";
+  const std::string path = std::string(getenv("RPK_SIM_DIR")) + "/durable_floor.bin";
   const std::string_view bytes(reinterpret_cast<const char *>(data.data()), data.size());
   for (auto _ : state) {
     if (!rpk_host::write_file_atomic(path, bytes)) {
@@ -133,28 +106,7 @@ void BM_DurableFileWrite(benchmark::State &state) {
 
 // The floor: state.range(0) request/response pairs of full messages.
 void BM_SocketRoundTrips(benchmark::State &state) {
-  int fds[2];
-  if (socketpair(AF_UNIX, SOCK_SEQPACKET, 0, fds) != 0) {
-    state.SkipWithError("socketpair failed");
-    return;
-  }
-  std::thread echo([fd = fds[1]] {
-    uint8_t buf[kPacket];
-    while (recv(fd, buf, sizeof buf, 0) > 0) send(fd, buf, sizeof buf, 0);
-  });
-  const auto trips = state.range(0);
-  uint8_t out[kPacket] = {};
-  uint8_t in[kPacket];
-  for (auto _ : state) {
-    for (int64_t i = 0; i < trips; ++i) {
-      send(fds[0], out, sizeof out, 0);
-      recv(fds[0], in, sizeof in, 0);
-    }
-  }
-  shutdown(fds[0], SHUT_RDWR);
-  echo.join();
-  close(fds[0]);
-  close(fds[1]);
+  rpk_bench::socket_round_trips(state, state.range(0), kPacket);
 }
 
 BENCHMARK(BM_NvReadCommand)->Unit(benchmark::kMicrosecond);
@@ -168,12 +120,9 @@ BENCHMARK(BM_DurableFileWrite)->Unit(benchmark::kMillisecond);
 }  // namespace
 
 int main(int argc, char **argv) {
-  use_private_state_dir();
+  const std::string state_dir = rpk_bench::use_private_state_dir();
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
-  const std::string stop = "RPK_SIM_DIR='" + g_state_dir +
-                           "' '" RPK_BENCH_SIM "' stop >/dev/null 2>&1; rm -rf '" + g_state_dir +
-                           "'";
-  return system(stop.c_str()) == 0 ? 0 : 1;
+  return rpk_bench::drop_state_dir(state_dir, RPK_BENCH_SIM) ? 0 : 1;
 }
