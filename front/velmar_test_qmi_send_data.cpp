@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "front/velmar_cmd_ids.h"
 #include "common/velmar_console.h"
+#include "front/velmar_cmd_ids.h"
 #include "front/velmar_handlers.h"
 #include "front/velmar_help.h"
 #include "velmar_extend_qmi/client/velmar_extend_qmi_client.h"

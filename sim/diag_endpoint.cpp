@@ -9,8 +9,8 @@
 #include "faults.h"
 #include "journal.h"
 #include "modem_services.h"
-#include "platform/host/link/handshake.h"
 #include "platform/host/link/diag_host_transport.h"
+#include "platform/host/link/handshake.h"
 #include "platform/host/link/qmi_host_transport.h"
 #include "sim_text.h"
 

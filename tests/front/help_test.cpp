@@ -4,8 +4,8 @@
 #include <fstream>
 #include <string>
 
-#include "front/velmar_help.h"
 #include "common/velmar_log.h"
+#include "front/velmar_help.h"
 #include "support/capture_stdout.h"
 
 namespace {

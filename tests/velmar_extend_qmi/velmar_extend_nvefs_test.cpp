@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "support/capture_stdout.h"
 #include "common/velmar_status.h"
+#include "support/capture_stdout.h"
 
 namespace {
 

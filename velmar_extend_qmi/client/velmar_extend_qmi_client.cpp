@@ -5,8 +5,8 @@
 #include <cstring>
 #include <mutex>
 
-#include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 #include "common/velmar_status.h"
+#include "velmar_extend_qmi/client/velmar_extend_qmi_v01.h"
 
 namespace {
 

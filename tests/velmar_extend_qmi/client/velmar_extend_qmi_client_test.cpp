@@ -8,8 +8,8 @@
 #include <functional>
 #include <string>
 
-#include "support/capture_stdout.h"
 #include "common/velmar_status.h"
+#include "support/capture_stdout.h"
 
 namespace {
 
