@@ -6,8 +6,8 @@
 
 namespace rpk_sim {
 
-int decode_tlvs(std::span<const TlvSpec> spec, std::span<const uint8_t> area, TlvValues *out) {
-  out->assign(spec.size(), std::nullopt);
+int decode_tlvs(std::span<const TlvLayout> layout, std::span<const uint8_t> area, TlvValues *out) {
+  out->assign(layout.size(), std::nullopt);
   size_t at = 0;
   while (at < area.size()) {
     if (area.size() - at < 3) return kIdlLengthInconsistency;
@@ -17,19 +17,19 @@ int decode_tlvs(std::span<const TlvSpec> spec, std::span<const uint8_t> area, Tl
     if (len > area.size() - at) return kIdlLengthInconsistency;
     const auto value = area.subspan(at, len);
     at += len;
-    const auto it =
-        std::find_if(spec.begin(), spec.end(), [type](const TlvSpec &t) { return t.type == type; });
-    if (it == spec.end()) {
+    const auto it = std::find_if(layout.begin(), layout.end(),
+                                 [type](const TlvLayout &t) { return t.type == type; });
+    if (it == layout.end()) {
       if (type < 0x10) return kIdlUnknownMandatoryTlv;
       continue;
     }
-    auto &slot = (*out)[static_cast<size_t>(it - spec.begin())];
+    auto &slot = (*out)[static_cast<size_t>(it - layout.begin())];
     if (slot) return kIdlTlvDuplicated;
     if (len != it->len) return kIdlLengthInconsistency;
     slot = value;
   }
-  for (size_t i = 0; i < spec.size(); ++i) {
-    if (spec[i].mandatory && !(*out)[i]) return kIdlMissingTlv;
+  for (size_t i = 0; i < layout.size(); ++i) {
+    if (layout[i].mandatory && !(*out)[i]) return kIdlMissingTlv;
   }
   return 0;
 }

@@ -26,18 +26,18 @@ inline constexpr int kIdlUnknownMandatoryTlv = -49;
 // One TLV of a message: its type, the exact length of its value, and whether
 // the message must carry it. Types 0x10 and above are optional extensions: an
 // unknown one is skipped, an unknown one below 0x10 fails the decode.
-struct TlvSpec {
+struct TlvLayout {
   uint8_t type;
   uint16_t len;
   bool mandatory;
 };
 
-// The values of a decoded TLV area, by the index of their spec (nullopt: the
+// The values of a decoded TLV area, by the index of their layout row (nullopt: the
 // TLV was absent). The spans point into the decoded bytes.
 using TlvValues = std::vector<std::optional<std::span<const uint8_t>>>;
 
 // Decodes a TLV area against a message's TLVs; 0 or one of the codes above.
-int decode_tlvs(std::span<const TlvSpec> spec, std::span<const uint8_t> area, TlvValues *out);
+int decode_tlvs(std::span<const TlvLayout> layout, std::span<const uint8_t> area, TlvValues *out);
 
 // Appends one TLV to an area.
 void put_tlv(std::vector<uint8_t> &area, uint8_t type, std::span<const uint8_t> value);
@@ -58,7 +58,7 @@ inline constexpr size_t kExtendDataMax = 512;
 inline constexpr uint8_t kExtendTlvWord = 0x01;
 inline constexpr uint8_t kExtendTlvDataLen = 0x02;
 inline constexpr uint8_t kExtendTlvData = 0x10;
-inline constexpr TlvSpec kExtendEnvelope[] = {
+inline constexpr TlvLayout kExtendEnvelope[] = {
     {kExtendTlvWord, 4, true},
     {kExtendTlvDataLen, 4, true},
     {kExtendTlvData, kExtendDataMax, false},
