@@ -710,72 +710,66 @@ int velmar_diag_cmd_send_without_result_start_thread(const uint8_t *data, int32_
   return 0;
 }
 
-// A worker that ends early (no request, no library, no client) writes no exit
-// line; every worker counts itself out last.
-void *velmar_diag_cmd_send_without_result_by_callback_mode_thread_proc(void *param) {
+namespace {
+
+// The frame of both workers: one at a time, the request copy unpacked and
+// freed, the library opened around `send` (which says whether it got far
+// enough to write the exit line). A worker that ends early (no request, no
+// library, no client) writes no exit line; every worker counts itself out last.
+template <typename Send>
+void *run_worker(const char *fn, void *param, Send send) {
   name_this_thread();
-  VELMAR_LOG_LN("function entry ------------->");
+  VELMAR_LOGF_LN(fn, "function entry ------------->");
   bool finished = false;
   {
     std::lock_guard<std::mutex> lock(g_diag_async_mutex);
     auto *copy = static_cast<uint8_t *>(param);
     if (copy == nullptr) {
-      VELMAR_LOG_LN("param is null");
+      VELMAR_LOGF_LN(fn, "param is null");
     } else {
       int32_t data_len = 0;
       memcpy(&data_len, copy, kCopyHeader);
-      VELMAR_LOG_LN("data_len = %d", data_len);
+      VELMAR_LOGF_LN(fn, "data_len = %d", data_len);
       if (Diag_LSM_Init(nullptr) == 0) {
-        VELMAR_LOG_LN("LSM init failed");
+        VELMAR_LOGF_LN(fn, "LSM init failed");
       } else {
-        velmar_diag_register_callback(velmar_diag_cmd_response_by_callback_no_handle);
-        diag_switch_logging(CALLBACK_MODE, nullptr);
-        const int ret_send = diag_callback_send_data(MSM, copy + kCopyHeader, data_len);
-        VELMAR_LOG_LN("ret_send = %d, will wait callback", ret_send);
-        usleep(kCallbackAnswerUs);  // the time the modem is given to answer
-        diag_switch_logging(USB_MODE, nullptr);
-        Diag_LSM_DeInit();
-        finished = true;
+        finished = send(copy + kCopyHeader, data_len);
       }
       free(copy);
     }
   }
-  if (finished) VELMAR_LOG_LN("function exit <-------------");
+  if (finished) VELMAR_LOGF_LN(fn, "function exit <-------------");
   worker_done();
   return nullptr;
 }
 
+}  // namespace
+
+void *velmar_diag_cmd_send_without_result_by_callback_mode_thread_proc(void *param) {
+  static constexpr const char *fn = __func__;
+  return run_worker(fn, param, [](uint8_t *req, int32_t len) {
+    velmar_diag_register_callback(velmar_diag_cmd_response_by_callback_no_handle);
+    diag_switch_logging(CALLBACK_MODE, nullptr);
+    const int ret_send = diag_callback_send_data(MSM, req, len);
+    VELMAR_LOGF_LN(fn, "ret_send = %d, will wait callback", ret_send);
+    usleep(kCallbackAnswerUs);  // the time the modem is given to answer
+    diag_switch_logging(USB_MODE, nullptr);
+    Diag_LSM_DeInit();
+    return true;
+  });
+}
+
 void *velmar_diag_cmd_send_without_result_by_dci_mode_thread_proc(void *param) {
-  name_this_thread();
-  VELMAR_LOG_LN("function entry ------------->");
-  bool finished = false;
-  {
-    std::lock_guard<std::mutex> lock(g_diag_async_mutex);
-    auto *copy = static_cast<uint8_t *>(param);
-    if (copy == nullptr) {
-      VELMAR_LOG_LN("param is null");
-    } else {
-      int32_t data_len = 0;
-      memcpy(&data_len, copy, kCopyHeader);
-      VELMAR_LOG_LN("data_len = %d", data_len);
-      if (Diag_LSM_Init(nullptr) == 0) {
-        VELMAR_LOG_LN("LSM init failed");
-      } else {
-        DciExchange x;
-        const DciReached reached =
-            dci_setup(__func__, x, copy + kCopyHeader, data_len,
-                      {velmar_diag_cmd_response_by_dci_log_stream_no_handle,
-                       velmar_diag_cmd_response_by_dci_event_stream_no_handle,
-                       velmar_diag_cmd_response_by_dci_no_handle});
-        // The time the modem is given to answer; the answer is only logged.
-        if (reached == DciReached::kSent) sleep(kDciAnswerS);
-        dci_teardown(__func__, x, reached, close_library);
-        finished = reached == DciReached::kFailed || reached == DciReached::kSent;
-      }
-      free(copy);
-    }
-  }
-  if (finished) VELMAR_LOG_LN("function exit <-------------");
-  worker_done();
-  return nullptr;
+  static constexpr const char *fn = __func__;
+  return run_worker(fn, param, [](uint8_t *req, int32_t len) {
+    DciExchange x;
+    const DciReached reached = dci_setup(fn, x, req, len,
+                                         {velmar_diag_cmd_response_by_dci_log_stream_no_handle,
+                                          velmar_diag_cmd_response_by_dci_event_stream_no_handle,
+                                          velmar_diag_cmd_response_by_dci_no_handle});
+    // The time the modem is given to answer; the answer is only logged.
+    if (reached == DciReached::kSent) sleep(kDciAnswerS);
+    dci_teardown(fn, x, reached, close_library);
+    return reached == DciReached::kFailed || reached == DciReached::kSent;
+  });
 }
