@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "platform/host/link/diag_host_transport.h"
+#include "platform/host/link/handshake.h"
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
 
@@ -210,8 +211,8 @@ boolean Diag_LSM_Init(uint8_t *) {
   }
   rpk_host::ensure_modem_sim();
   int fd = -1;
-  if (rpk_qmi::join_socket(rpk_diag::diag_socket_path(), kWelcomeWaitMs, &fd) !=
-      rpk_qmi::Join::kJoined) {
+  if (rpk_link::join(rpk_diag::diag_socket_path(), kWelcomeWaitMs, &fd) !=
+      rpk_link::Join::kJoined) {
     return 0;
   }
   {

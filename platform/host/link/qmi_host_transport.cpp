@@ -1,3 +1,4 @@
+#include "platform/host/link/handshake.h"
 #include "platform/host/link/qmi_host_transport.h"
 
 #include <cstdio>
@@ -33,10 +34,6 @@ std::string service_socket_path(uint32_t service_id) {
 
 Join join_service(uint32_t service_id, int wait_ms, int *fd) {
   return rpk_link::join(service_socket_path(service_id), wait_ms, fd);
-}
-
-Join join_socket(const std::string &path, int wait_ms, int *fd) {
-  return rpk_link::join(path, wait_ms, fd);
 }
 
 }  // namespace rpk_qmi

@@ -42,8 +42,5 @@ using Join = rpk_link::Join;
 
 // Joins a service at its socket (rpk_link::join).
 Join join_service(uint32_t service_id, int wait_ms, int *fd);
-// The same for any endpoint socket of the simulated modem that welcomes its
-// connections the same way (the diag channel).
-Join join_socket(const std::string &path, int wait_ms, int *fd);
 
 }  // namespace rpk_qmi

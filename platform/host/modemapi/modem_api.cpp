@@ -23,6 +23,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/host/link/handshake.h"
 #include "platform/host/link/modem_api_wire.h"
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
@@ -183,8 +184,8 @@ int modem_api_init_client(int /*flags*/, modem_api_event_cb event_cb, modem_api_
     if (!g_inited) return kNoClient;
   }
   int fd = -1;
-  if (rpk_qmi::join_socket(rpk_modem_api::socket_path(), kWelcomeWaitMs, &fd) !=
-      rpk_qmi::Join::kJoined) {
+  if (rpk_link::join(rpk_modem_api::socket_path(), kWelcomeWaitMs, &fd) !=
+      rpk_link::Join::kJoined) {
     return kModemGone;
   }
   auto c = std::make_shared<Client>();
