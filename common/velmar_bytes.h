@@ -17,3 +17,8 @@ inline uint64_t velmar_load_le(const uint8_t *p, size_t n) {
   }
   return v;
 }
+
+// Writes the low n (0..8) bytes of v at p, least significant first.
+inline void velmar_store_le(uint8_t *p, uint64_t v, size_t n) {
+  for (size_t i = 0; i < n; ++i) p[i] = static_cast<uint8_t>(v >> (8 * i));
+}

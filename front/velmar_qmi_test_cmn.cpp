@@ -8,6 +8,7 @@
 #include <cstring>
 #include <string>
 
+#include "common/velmar_bytes.h"
 #include "common/velmar_console.h"
 #include "common/velmar_log.h"
 #include "common/velmar_status.h"
@@ -105,11 +106,6 @@ constexpr int32_t kCmnSsr = 31;
 // Arguments after the sub-operation: sub, mode, set_val at most.
 constexpr int32_t kCardArgsMax = 3;
 
-// Command values are little-endian u32 words.
-void put_u32_le(uint8_t *p, uint32_t v) {
-  for (int i = 0; i < 4; ++i) p[i] = static_cast<uint8_t>(v >> (8 * i));
-}
-
 }  // namespace
 
 int32_t velmar_cmn_card_status_cmd(int32_t t, int32_t n, int argc, char **argv) {
@@ -121,7 +117,7 @@ int32_t velmar_cmn_card_status_cmd(int32_t t, int32_t n, int argc, char **argv) 
   uint8_t value[4 * kCardArgsMax] = {};
   for (int32_t i = 0; i < n; ++i) {
     const uint32_t flag = atoi(argv[3 + i]) != 0 ? 1 : 0;
-    put_u32_le(value + 4 * i, flag);
+    velmar_store_le(value + 4 * i, flag, 4);  // command values are LE u32 words
     printf(" %d", flag);
   }
   putchar('\n');
@@ -167,7 +163,7 @@ constexpr uint32_t kSsrUpdateCountSub = 0;
 
 void send_ssr_request(uint32_t what) {
   uint8_t value[4];
-  put_u32_le(value, what);
+  velmar_store_le(value, what, sizeof value);
   velmar_cmn_record rsp;
   velmar_send_common_qmi_msg(kCmnSsr, sizeof value, value, &rsp);
 }
