@@ -51,11 +51,6 @@ MAY_INCLUDE = {
     DECODE: {BASE, ENGINE, HOST},
 }
 
-# Includes that still run against the layering while the code is being moved;
-# each is (including file, included header). Delete a line once its include is
-# gone: the check names the lines that no longer match anything.
-KNOWN: set = set()
-
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
@@ -81,7 +76,6 @@ def resolve(root, including, quote, target):
 def main():
     root = pathlib.Path(sys.argv[1]).resolve()
     bad = []
-    seen = set()
     for path in sorted(root.rglob("*")):
         if path.suffix not in (".h", ".cpp") or not path.is_file():
             continue
@@ -99,13 +93,8 @@ def main():
             theirs = layer(target)
             if theirs is None or theirs == own or theirs in MAY_INCLUDE[own]:
                 continue
-            if (rel, target) in KNOWN:
-                seen.add((rel, target))
-                continue
             line = text.count("\n", 0, m.start()) + 1
             bad.append(f"{rel}:{line}: {own} includes {theirs} header {target}")
-    for rel, target in sorted(KNOWN - seen):
-        print(f"note: {rel} no longer includes {target}: delete its line from KNOWN")
     for b in bad:
         print(b)
     if bad:
