@@ -8,7 +8,8 @@
 // The same mixed set, written as an HDLC capture and in the text form, then
 // goes through the whole of rpk-decode (reading the file, deframing or
 // parsing, the engine, plain or JSON output to /dev/null). The run ends with
-// the decoding rates as shares of the engine's dispatch rate.
+// the decoding rates as shares of the engine's dispatch rate, each the best
+// of five shuffled repetitions.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -235,16 +236,19 @@ BENCHMARK(BM_DecodeJsonHdlc);
 BENCHMARK(BM_DecodePlainText);
 BENCHMARK(BM_DecodeJsonText);
 
-// The console report, keeping each benchmark's packet rate for the ratios.
+// The console report, keeping each benchmark's best packet rate for the
+// ratios: on a shared machine a neighbour only ever slows a repetition down,
+// so the fastest one is the closest to what the code costs.
 class rate_reporter : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run> &runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run &run : runs) {
-      // With repetitions, the median stands for the benchmark.
-      if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median") continue;
+      if (run.run_type != Run::RT_Iteration) continue;
       const auto it = run.counters.find("items_per_second");
-      if (it != run.counters.end()) rates_[run.run_name.function_name] = it->second.value;
+      if (it == run.counters.end()) continue;
+      double &best = rates_[run.run_name.function_name];
+      best = std::max(best, it->second.value);
     }
   }
 
@@ -256,7 +260,8 @@ class rate_reporter : public benchmark::ConsoleReporter {
       const char *name;
       double share;
     };
-    printf("\nrate / engine dispatch rate (mixed set, %.0f packets/s):\n", engine->second);
+    printf("\nbest rate / best engine dispatch rate (mixed set, %.0f packets/s):\n",
+           engine->second);
     for (const target &t : {target{"BM_CopyFloorMixed", 0}, target{"BM_DecodePlainHdlc", 0.70},
                             target{"BM_DecodeJsonHdlc", 0.50}, target{"BM_DecodePlainText", 0.70},
                             target{"BM_DecodeJsonText", 0.50}}) {
@@ -279,6 +284,17 @@ class rate_reporter : public benchmark::ConsoleReporter {
 }  // namespace
 
 int main(int argc, char **argv) {
+  // Five repetitions in shuffled order unless the command line says
+  // otherwise (later flags win): a burst of load then hits one repetition of
+  // one benchmark, not every run of it.
+  char repetitions[] = "--benchmark_repetitions=5";
+  char interleave[] = "--benchmark_enable_random_interleaving=true";
+  std::vector<char *> args = {argv[0], repetitions, interleave};
+  for (int i = 1; i < argc; ++i) args.push_back(argv[i]);
+  int count = static_cast<int>(args.size());
+  args.push_back(nullptr);
+  argv = args.data();
+  argc = count;
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   rate_reporter reporter;

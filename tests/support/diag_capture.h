@@ -66,8 +66,10 @@ inline Bytes log_packet(uint16_t code, const Bytes &payload) {
 inline Bytes event(uint16_t id, const Bytes &payload, bool short_stamp) {
   const unsigned code = payload.size() <= 2 ? payload.size() : 3;
   const auto word = static_cast<uint16_t>(id | code << 13 | (short_stamp ? 0x8000 : 0));
-  Bytes e = {static_cast<uint8_t>(word), static_cast<uint8_t>(word >> 8)};
-  e.insert(e.end(), short_stamp ? 2 : 8, 0x22);
+  // Sized up front: growing a two-byte vector trips a GCC 12 bounds warning.
+  Bytes e(2 + (short_stamp ? 2 : 8), 0x22);
+  e[0] = static_cast<uint8_t>(word);
+  e[1] = static_cast<uint8_t>(word >> 8);
   if (code == 3) e.push_back(static_cast<uint8_t>(payload.size()));
   e.insert(e.end(), payload.begin(), payload.end());
   return e;
