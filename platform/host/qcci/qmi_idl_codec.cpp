@@ -258,6 +258,10 @@ int encode_element(const Element &e, const uint8_t *base, uint32_t limit, Writer
   if (!fits(e.offset, static_cast<uint64_t>(size) * (e.is_array ? e.max_count : 1), limit)) {
     return QMI_IDL_LIB_PARAMETER_ERROR;
   }
+  // Byte arrays (most of an Extend-QMI message) go as one copy.
+  if (e.aggregate == nullptr && size == 1) {
+    return w.put(base + e.offset, count) ? 0 : QMI_IDL_LIB_BUFFER_TOO_SMALL;
+  }
   for (uint32_t i = 0; i < count; ++i) {
     int rc = encode_one(e, base + e.offset + i * size, w, depth);
     if (rc != 0) return rc;
@@ -278,6 +282,9 @@ int decode_element(const Element &e, uint8_t *base, uint32_t limit, Reader &r, i
     if (wire_count > e.max_count) return QMI_IDL_LIB_ARRAY_TOO_BIG;
     count = static_cast<uint32_t>(wire_count);
     store_scalar(base + e.len_offset, count, 4);
+  }
+  if (e.aggregate == nullptr && size == 1) {
+    return r.get(base + e.offset, count) ? 0 : QMI_IDL_LIB_LENGTH_INCONSISTENCY;
   }
   for (uint32_t i = 0; i < count; ++i) {
     int rc = decode_one(e, base + e.offset + i * size, r, depth);
