@@ -3,6 +3,7 @@
 #include <sys/time.h>
 
 #include <charconv>
+#include <cstring>
 #include <ctime>
 #include <string_view>
 
@@ -14,13 +15,32 @@ using json = nlohmann::json;
 // A string needs no escaping when it is printable ASCII without '"' or '\'.
 // Entries are mostly long hex strings, so those are copied as they are; the
 // rest goes through the library, which escapes them the same way as before.
-void put_string(std::string &out, std::string_view s) {
-  // No early exit: the loop vectorizes.
-  bool plain = true;
-  for (const char c : s) {
-    const auto u = static_cast<unsigned char>(c);
-    plain &= u >= 0x20 && u <= 0x7E && u != '"' && u != '\\';
+//
+// Checked eight bytes at a time (a per-byte loop cost more than the rest of
+// an entry): per byte, the high bit of `hit` is set for a byte below 0x20,
+// above 0x7E, or equal to '"' or '\\'.
+bool plain_json(std::string_view s) {
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  constexpr uint64_t kHighs = kOnes * 0x80;
+  auto zero_byte = [](uint64_t v) { return (v - kOnes) & ~v; };
+  auto hit = [&](uint64_t v) {
+    return ((v - kOnes * 0x20) | (v + kOnes * 0x01) | zero_byte(v ^ (kOnes * '"')) |
+            zero_byte(v ^ (kOnes * '\\')) | v) &
+           kHighs;
+  };
+  size_t i = 0;
+  uint64_t seen = 0;
+  for (; s.size() - i >= 8; i += 8) {
+    uint64_t v;
+    memcpy(&v, s.data() + i, sizeof v);
+    seen |= hit(v);
   }
+  for (; i < s.size(); ++i) seen |= hit(static_cast<unsigned char>(s[i])) & 0x80;
+  return seen == 0;
+}
+
+void put_string(std::string &out, std::string_view s) {
+  const bool plain = plain_json(s);
   if (!plain) {
     out += json(s).dump(-1, ' ', false, json::error_handler_t::replace);
     return;

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "platform/host/link/rpk_host.h"
 
@@ -25,7 +26,7 @@ TEST(Journal, LinesAreTheLibrarysCompactDump) {
   char dir[] = "/tmp/rpk-journal-XXXXXX";
   ASSERT_NE(mkdtemp(dir), nullptr);
   const std::string path = std::string(dir) + "/journal.jsonl";
-  const json entries[] = {
+  std::vector<json> entries = {
       {{"service", "0xffe4"}, {"client", 3}, {"wire", "00010002"}, {"txn", 1}},
       // Keys before, between and after "seq" and "time"; a stale seq/time.
       {{"a", 1}, {"sea", 2}, {"seq", "old"}, {"sf", 3}, {"time", 0}, {"tz", nullptr}, {"z", true}},
@@ -42,6 +43,15 @@ TEST(Journal, LinesAreTheLibrarysCompactDump) {
        {"list", json::array()}},
       json::object(),
   };
+  // Every byte value at places inside and after the word-sized steps of the
+  // plain-text check.
+  for (int b = 0; b < 256; ++b) {
+    for (size_t at : {0, 7, 8, 15, 16, 18}) {
+      std::string s(19, 'a');
+      s[at] = static_cast<char>(b);
+      entries.push_back({{"s", s}});
+    }
+  }
   {
     Journal journal(path);
     for (const auto &e : entries) journal.append(e);
