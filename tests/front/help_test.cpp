@@ -6,6 +6,7 @@
 
 #include "common/velmar_log.h"
 #include "front/velmar_help.h"
+#include "platform/host/link/rpk_host.h"
 #include "support/capture_stdout.h"
 
 namespace {
@@ -42,6 +43,7 @@ TEST(LogLine, ConsoleAndAndroidShapes) {
   });
   EXPECT_EQ(mask_log_lines(out), "RIL[velmar_nv_read:N]: buf_len: 365RIL[velmar_tail:N]: tail x\n");
 
+  rpk_host::flush_log();
   std::ifstream log(std::string(getenv("RPK_SIM_DIR")) + "/logcat.txt");
   std::string line, found;
   while (std::getline(log, line)) {

@@ -41,4 +41,38 @@ TEST(BoundedLog, KeepsTheRecentPartOfAFileSeveralWritersFill) {
   fs::remove_all(tmpl);
 }
 
+// Batched lines reach the file whole and in order: when the batch would
+// overflow, on flush, and at once after stop_batching (the exit path).
+TEST(BoundedLog, BatchedLinesArriveWholeOnFlush) {
+  char tmpl[] = "/tmp/rpk-bounded-log-XXXXXX";
+  ASSERT_NE(mkdtemp(tmpl), nullptr);
+  const std::string path = std::string(tmpl) + "/log.txt";
+  rpk_host::BoundedLog log(path, 1 << 20, 16);
+  auto text = [&] {
+    std::string t;
+    rpk_host::read_file(path, t);
+    return t;
+  };
+  struct Step {
+    const char *line;  // appended, or nullptr: flush
+    const char *file;  // what the file then holds
+  };
+  const Step steps[] = {
+      {"one\n", ""},
+      {"two\n", ""},
+      {"three-three\n", "one\ntwo\n"},  // would pass 16 bytes: the kept lines go first
+      {nullptr, "one\ntwo\nthree-three\n"},
+      {"a line longer than the batch\n", "one\ntwo\nthree-three\na line longer than the batch\n"},
+  };
+  for (const Step &s : steps) {
+    s.line != nullptr ? log.append(s.line) : log.flush();
+    EXPECT_EQ(text(), s.file) << (s.line != nullptr ? s.line : "flush");
+  }
+  log.append("kept\n");
+  log.stop_batching();
+  log.append("direct\n");
+  EXPECT_TRUE(text().ends_with("kept\ndirect\n"));
+  fs::remove_all(tmpl);
+}
+
 }  // namespace

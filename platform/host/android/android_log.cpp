@@ -1,6 +1,6 @@
 // Host liblog: logcat-style lines appended to <state dir>/logcat.txt (bounded:
-// past 4 MiB it becomes logcat.txt.1 and a new one starts), and to stderr
-// when RPK_LOG_STDERR=1.
+// past 4 MiB it becomes logcat.txt.1 and a new one starts; written in
+// batches), and to stderr at once when RPK_LOG_STDERR=1.
 #include <android/log.h>
 #include <pthread.h>
 #include <sys/syscall.h>
@@ -26,11 +26,27 @@ char priority_letter(int prio) {
 
 constexpr size_t kLogcatMax = 4 << 20;
 
+// Lines are batched up to this size and written before each request to the
+// simulated modem (rpk_host::flush_log) and at exit.
+constexpr size_t kLogcatBatch = 4096;
+
 rpk_host::BoundedLog &logcat() {
-  // Never destroyed: a detached thread may still log while the process exits.
-  static auto *log = new rpk_host::BoundedLog(rpk_host::state_dir() + "/logcat.txt", kLogcatMax);
+  // Never destroyed: a detached thread may still log while the process
+  // exits; from exit on, its lines are written at once.
+  static auto *log = [] {
+    auto *made =
+        new rpk_host::BoundedLog(rpk_host::state_dir() + "/logcat.txt", kLogcatMax, kLogcatBatch);
+    atexit([] { logcat().stop_batching(); });
+    pthread_atfork([] { logcat().before_fork(); }, [] { logcat().after_fork_in_parent(); },
+                   [] { logcat().after_fork_in_child(); });
+    return made;
+  }();
   return *log;
 }
+
+// Whether this process has logged yet: flushing must not create the log (and
+// the state directory) in a process that never wrote a line.
+std::atomic<bool> g_logged{false};
 
 // The process and thread ids of a line, asked of the kernel once per thread
 // (and again in a forked child) instead of twice per line.
@@ -59,15 +75,24 @@ Ids ids() {
 
 }  // namespace
 
+void rpk_host::flush_log() {
+  if (g_logged.load(std::memory_order_acquire)) logcat().flush();
+}
+
 // The three writers of AOSP's <android/log.h> that a native tool calls; one
 // logcat line per call.
 extern "C" int __android_log_write(int prio, const char *tag, const char *text) {
   timeval tv{};
   gettimeofday(&tv, nullptr);
-  tm local{};
-  localtime_r(&tv.tv_sec, &local);
-  char stamp[32];
-  strftime(stamp, sizeof stamp, "%m-%d %H:%M:%S", &local);
+  // The date and time change once a second; lines come much faster.
+  thread_local time_t stamp_second = -1;
+  thread_local char stamp[32];
+  if (tv.tv_sec != stamp_second) {
+    tm local{};
+    localtime_r(&tv.tv_sec, &local);
+    strftime(stamp, sizeof stamp, "%m-%d %H:%M:%S", &local);
+    stamp_second = tv.tv_sec;
+  }
 
   char line[4096 + 128];
   const Ids id = ids();
@@ -77,7 +102,12 @@ extern "C" int __android_log_write(int prio, const char *tag, const char *text) 
   if (n < 0) return n;
   size_t len = static_cast<size_t>(n) < sizeof line ? static_cast<size_t>(n) : sizeof line - 1;
   logcat().append(std::string_view(line, len));
-  if (const char *e = getenv("RPK_LOG_STDERR"); e != nullptr && strcmp(e, "1") == 0) {
+  g_logged.store(true, std::memory_order_release);
+  static const bool to_stderr = [] {
+    const char *e = getenv("RPK_LOG_STDERR");
+    return e != nullptr && strcmp(e, "1") == 0;
+  }();
+  if (to_stderr) {
     (void)!write(STDERR_FILENO, line, len);
   }
   return static_cast<int>(len);

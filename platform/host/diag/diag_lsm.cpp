@@ -23,6 +23,7 @@
 #include "platform/host/link/handshake.h"
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace {
 
@@ -108,6 +109,7 @@ bool send_locked(Library &l, const rpk_diag::Header &h, const uint8_t *body, siz
   Bytes packet(rpk_diag::kHeaderLen + n);
   rpk_diag::put_header(packet.data(), h);
   if (n > 0) memcpy(packet.data() + rpk_diag::kHeaderLen, body, n);
+  rpk_host::flush_log();
   ssize_t sent;
   while ((sent = send(l.fd, packet.data(), packet.size(), MSG_NOSIGNAL)) < 0 && errno == EINTR) {
   }

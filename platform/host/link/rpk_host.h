@@ -43,32 +43,61 @@ size_t remove_stale_temporaries(const std::string &dir);
 // Reads a whole file; false when it cannot be opened.
 bool read_file(const std::string &path, std::string &out);
 
-// An append-only text file of bounded size. When a line takes it past
-// max_bytes it becomes <path>.1 (replacing the previous one) and a new file is
-// started: at most about twice max_bytes are kept, the most recent lines.
-// Several processes may append to one path: each line is one write, and the
-// rotation is done once, under a lock on the file.
+// An append-only text file of bounded size. Once it has passed max_bytes
+// (looked at after every max_bytes/128 bytes a writer appends) it becomes
+// <path>.1 (replacing the previous one) and a new file is started: at most
+// about twice max_bytes are kept, the most recent lines.
+// Several processes may append to one path: each write holds whole lines,
+// and the rotation is done once, under a lock on the file.
+//
+// With a batch size, lines are kept and written together when they would
+// fill it or when flush() is called: one write for many lines, as a file
+// append costs several microseconds here.
 class BoundedLog {
  public:
-  BoundedLog(std::string path, size_t max_bytes);
+  BoundedLog(std::string path, size_t max_bytes, size_t batch_bytes = 0);
   ~BoundedLog();
   BoundedLog(const BoundedLog &) = delete;
   BoundedLog &operator=(const BoundedLog &) = delete;
 
   // Appends one line (the caller ends it with "\n").
   void append(std::string_view line);
+  // Writes the kept lines.
+  void flush();
+  // Writes the kept lines; from now on every line is written at once.
+  void stop_batching();
   // Removes both files and starts again.
   void clear();
   const std::string &path() const { return path_; }
 
+  // For pthread_atfork: the child forgets the parent's kept lines, which the
+  // parent writes itself.
+  void before_fork() { mu_.lock(); }
+  void after_fork_in_parent() { mu_.unlock(); }
+  void after_fork_in_child() {
+    batch_.clear();
+    mu_.unlock();
+  }
+
  private:
   void open_nolock();
+  void write_nolock(std::string_view bytes);
   void rotate_if_full_nolock();
+
+  static constexpr size_t kCheckSlices = 128;
 
   const std::string path_;
   const size_t max_bytes_;
   std::mutex mu_;
-  int fd_ = -1;  // guarded by mu_
+  size_t batch_bytes_;    // guarded by mu_; 0: no batching
+  std::string batch_;     // guarded by mu_
+  int fd_ = -1;           // guarded by mu_
+  size_t unchecked_ = 0;  // bytes written since the size was last asked; guarded by mu_
 };
+
+// Writes the host log's kept lines: called before each request to the
+// simulated modem, so what was logged before it is in the file by the time
+// the modem sees the request, and at exit.
+void flush_log();
 
 }  // namespace rpk_host

@@ -73,6 +73,7 @@ std::string state_dir_problem() {
 }
 
 void platform_failure(const std::string &why) {
+  flush_log();
   fflush(stdout);
   fprintf(stderr, "rpk: %s\n", why.c_str());
   fflush(stderr);
@@ -137,8 +138,8 @@ bool read_file(const std::string &path, std::string &out) {
   return true;  // as before: only a file that cannot be opened fails
 }
 
-BoundedLog::BoundedLog(std::string path, size_t max_bytes)
-    : path_(std::move(path)), max_bytes_(max_bytes) {
+BoundedLog::BoundedLog(std::string path, size_t max_bytes, size_t batch_bytes)
+    : path_(std::move(path)), max_bytes_(max_bytes), batch_bytes_(batch_bytes) {
   std::lock_guard lock(mu_);
   open_nolock();
 }
@@ -148,6 +149,7 @@ BoundedLog::~BoundedLog() {
 }
 
 void BoundedLog::open_nolock() {
+  unchecked_ = 0;
   if (fd_ >= 0) close(fd_);
   fd_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
 }
@@ -155,12 +157,47 @@ void BoundedLog::open_nolock() {
 void BoundedLog::append(std::string_view line) {
   std::lock_guard lock(mu_);
   if (fd_ < 0) return;
-  // One write per line keeps lines of concurrent writers whole (O_APPEND).
-  (void)!write(fd_, line.data(), line.size());
-  rotate_if_full_nolock();
+  if (batch_bytes_ == 0) {
+    write_nolock(line);
+    return;
+  }
+  if (batch_.size() + line.size() > batch_bytes_) {
+    write_nolock(batch_);
+    batch_.clear();
+  }
+  if (line.size() > batch_bytes_) {
+    write_nolock(line);
+  } else {
+    batch_.append(line);
+  }
+}
+
+void BoundedLog::flush() {
+  std::lock_guard lock(mu_);
+  if (fd_ < 0 || batch_.empty()) return;
+  write_nolock(batch_);
+  batch_.clear();
+}
+
+void BoundedLog::stop_batching() {
+  std::lock_guard lock(mu_);
+  if (fd_ >= 0 && !batch_.empty()) write_nolock(batch_);
+  batch_.clear();
+  batch_bytes_ = 0;
+}
+
+void BoundedLog::write_nolock(std::string_view bytes) {
+  // One write of whole lines keeps them whole beside other writers (O_APPEND).
+  (void)!write(fd_, bytes.data(), bytes.size());
+  // The size is asked after each slice of our own writes rather than after
+  // every write: other writers ask for theirs, so the file passes the bound by
+  // at most a slice (or one batch) per writer.
+  unchecked_ += bytes.size();
+  if (unchecked_ >= max_bytes_ / kCheckSlices) rotate_if_full_nolock();
 }
 
 void BoundedLog::rotate_if_full_nolock() {
+  unchecked_ = 0;
   struct stat mine {};
   if (fstat(fd_, &mine) != 0 || static_cast<size_t>(mine.st_size) <= max_bytes_) return;
   // Every writer of the full file gets here; the lock on it lets exactly one
@@ -169,7 +206,11 @@ void BoundedLog::rotate_if_full_nolock() {
   struct stat named {};
   if (stat(path_.c_str(), &named) == 0 && named.st_dev == mine.st_dev &&
       named.st_ino == mine.st_ino) {
-    rename(path_.c_str(), (path_ + ".1").c_str());
+    // Not a rename over the old part: ext4 would first write all of the
+    // renamed file's data out (milliseconds, with every writer waiting).
+    const std::string older = path_ + ".1";
+    unlink(older.c_str());
+    rename(path_.c_str(), older.c_str());
   }
   flock(fd_, LOCK_UN);
   open_nolock();
@@ -177,6 +218,7 @@ void BoundedLog::rotate_if_full_nolock() {
 
 void BoundedLog::clear() {
   std::lock_guard lock(mu_);
+  batch_.clear();
   unlink(path_.c_str());
   unlink((path_ + ".1").c_str());
   open_nolock();

@@ -27,6 +27,7 @@
 #include "platform/host/link/modem_api_wire.h"
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace {
 
@@ -130,6 +131,7 @@ int transact(Client &c, uint16_t msg_id, const std::vector<uint8_t> &body,
   rpk_qmi::put_header(packet.data(),
                       {rpk_qmi::kCtlRequest, txn, msg_id, static_cast<uint16_t>(body.size())});
   packet.insert(packet.end(), body.begin(), body.end());
+  rpk_host::flush_log();
   const ssize_t sent = send(c.fd, packet.data(), packet.size(), MSG_NOSIGNAL);
 
   std::unique_lock<std::mutex> lock(c.mu);

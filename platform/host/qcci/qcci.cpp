@@ -32,6 +32,7 @@
 
 #include "platform/host/link/modem_sim_link.h"
 #include "platform/host/link/qmi_host_transport.h"
+#include "platform/host/link/rpk_host.h"
 #include "platform/host/qcci/qmi_idl_codec.h"
 
 struct qmi_client_struct {
@@ -500,6 +501,7 @@ qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type user_handle, unsi
     ++h->active;
   }
   rpk_qmi::put_header(packet, {rpk_qmi::kCtlRequest, txn, id, static_cast<uint16_t>(tlv_len)});
+  rpk_host::flush_log();
   const ssize_t sent = send(h->fd, packet, rpk_qmi::kHeaderLen + tlv_len, MSG_NOSIGNAL);
 
   std::unique_lock<std::mutex> lock(h->mu);
