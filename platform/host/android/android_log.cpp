@@ -7,6 +7,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
@@ -73,15 +74,9 @@ Ids ids() {
   return mine;
 }
 
-}  // namespace
-
-void rpk_host::flush_log() {
-  if (g_logged.load(std::memory_order_acquire)) logcat().flush();
-}
-
-// The three writers of AOSP's <android/log.h> that a native tool calls; one
-// logcat line per call.
-extern "C" int __android_log_write(int prio, const char *tag, const char *text) {
+// One logcat line: "<date time>.<ms> <pid> <tid> <priority> <tag>: <message>",
+// the message formatted straight into the line.
+int vlog_line(int prio, const char *tag, const char *fmt, va_list ap) {
   timeval tv{};
   gettimeofday(&tv, nullptr);
   // The date and time change once a second; lines come much faster.
@@ -96,11 +91,17 @@ extern "C" int __android_log_write(int prio, const char *tag, const char *text) 
 
   char line[4096 + 128];
   const Ids id = ids();
-  int n = snprintf(line, sizeof line, "%s.%03ld %5d %5ld %c %s: %s\n", stamp,
-                   static_cast<long>(tv.tv_usec / 1000), id.pid, id.tid, priority_letter(prio),
-                   tag != nullptr ? tag : "", text != nullptr ? text : "");
+  const int head = snprintf(line, sizeof line, "%s.%03ld %5d %5ld %c %s: ", stamp,
+                            static_cast<long>(tv.tv_usec / 1000), id.pid, id.tid,
+                            priority_letter(prio), tag != nullptr ? tag : "");
+  if (head < 0) return head;
+  // A message is cut at 4095 characters, as Android's own buffer does.
+  constexpr size_t kMessageMax = 4096;  // with its terminating NUL
+  size_t len = std::min(static_cast<size_t>(head), sizeof line - kMessageMax - 1);
+  const int n = vsnprintf(line + len, kMessageMax, fmt, ap);
   if (n < 0) return n;
-  size_t len = static_cast<size_t>(n) < sizeof line ? static_cast<size_t>(n) : sizeof line - 1;
+  len += std::min(static_cast<size_t>(n), kMessageMax - 1);
+  line[len++] = '\n';
   logcat().append(std::string_view(line, len));
   g_logged.store(true, std::memory_order_release);
   static const bool to_stderr = [] {
@@ -113,10 +114,28 @@ extern "C" int __android_log_write(int prio, const char *tag, const char *text) 
   return static_cast<int>(len);
 }
 
+int log_line(int prio, const char *tag, const char *fmt, ...) {
+  va_list ap;
+  va_start(ap, fmt);
+  const int n = vlog_line(prio, tag, fmt, ap);
+  va_end(ap);
+  return n;
+}
+
+}  // namespace
+
+void rpk_host::flush_log() {
+  if (g_logged.load(std::memory_order_acquire)) logcat().flush();
+}
+
+// The three writers of AOSP's <android/log.h> that a native tool calls; one
+// logcat line per call.
+extern "C" int __android_log_write(int prio, const char *tag, const char *text) {
+  return log_line(prio, tag, "%s", text != nullptr ? text : "");
+}
+
 extern "C" int __android_log_vprint(int prio, const char *tag, const char *fmt, va_list ap) {
-  char msg[4096];
-  vsnprintf(msg, sizeof msg, fmt, ap);
-  return __android_log_write(prio, tag, msg);
+  return vlog_line(prio, tag, fmt, ap);
 }
 
 extern "C" int __android_log_print(int prio, const char *tag, const char *fmt, ...) {
