@@ -93,10 +93,14 @@ class decode_text_reader {
  private:
   void line(std::string_view text);
   void carry(const char *text, size_t n);
+  // A whole usual line at p read at once; the start of the next, or nullptr
+  // when the line needs the general path.
+  const char *quick_line(const char *p, const char *end);
 
   const decode_sink &sink_;
   std::string carried_;  // the start of a line split across blocks
   std::vector<uint8_t> payload_;
+  std::vector<uint8_t> quick_;  // quick_line's payload, decode_max_packet bytes
   size_t lines_ = 0;
   bool too_long_ = false;
 };
@@ -113,6 +117,12 @@ void decode_packet(std::span<const uint8_t> packet, size_t where, const decode_s
 enum class decode_line_kind { item, empty, bad };
 decode_line_kind decode_text_line(std::string_view line, bool *event, uint16_t *id,
                                   std::vector<uint8_t> *payload);
+
+// Decodes the hex digits at the start of `in` (n characters), two to a byte,
+// into `out` (room for n / 2 bytes), up to the first character that is no
+// hex digit; returns how many digits it used (even: a lone last digit is not
+// used).
+size_t decode_hex_prefix(const char *in, size_t n, uint8_t *out);
 
 // True when the bytes look like the text form (printable ASCII and line
 // breaks only).

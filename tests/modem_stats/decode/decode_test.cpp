@@ -246,14 +246,27 @@ TEST(DecodeReaders, AnySplitOfTheInputReadsAlike) {
         hdlc(log_packet(0xB0C2, {0x03, 0x7D, 0x5E})), Bytes{0x10, 0x7D, 0x7E}, Bytes{0x60, 0x7D}}) {
     hdlc_capture.insert(hdlc_capture.end(), f.begin(), f.end());
   }
-  const std::string text = "B193 0a0b\n\n# note\r\nE631 0107\nzz 00\nB0C2 03";
+  // Lines of the usual shape and every way of leaving it: long and lone
+  // digits, blanks, tabs, CR, empty payloads.
+  std::string long_hex, long_bytes;
+  for (int b = 0; b < 35; ++b) {
+    char two[3];
+    snprintf(two, sizeof two, "%02x", b);
+    long_hex += two;
+    long_bytes += static_cast<char>(b);
+  }
+  const std::string text = "B193 0a0b\n\n# note\r\nE631 0107\nzz 00\nB193 " + long_hex +
+                           "\nB193 0a0\nB193 0a0b \nB193\t0c\ne12 0d\r\nB193  0e\nB193 \nB193 0G\n"
+                           "B0C2 03";
   const Bytes text_capture(text.begin(), text.end());
 
   EXPECT_EQ(read_in_pieces<decode_hdlc_reader>(hdlc_capture, {}),
             "L45459@1:~\x01}\nbad CRC@2\nother 75\nL45250@4:\x03}^\nbad escape@5\n"
             "truncated frame@6\n");
   EXPECT_EQ(read_in_pieces<decode_text_reader>(text_capture, {}),
-            "L45459@1:\x0a\x0b\nE631@4:\x01\x07\nbad line@5\nL45250@6:\x03\n");
+            "L45459@1:\x0a\x0b\nE631@4:\x01\x07\nbad line@5\nL45459@6:" + long_bytes +
+                "\nbad line@7\nL45459@8:\x0a\x0b\nL45459@9:\x0c\nE12@10:\x0d\nL45459@11:\x0e\n"
+                "L45459@12:\nbad line@13\nL45250@14:\x03\n");
   expect_any_split_reads_alike<decode_hdlc_reader>(hdlc_capture, "hdlc");
   expect_any_split_reads_alike<decode_text_reader>(text_capture, "text");
 }
