@@ -69,7 +69,7 @@ std::string Store::nv_file(unsigned sub, uint32_t item) const {
 
 int32_t Store::nv_read(unsigned sub, uint32_t item, std::string *value) const {
   if (sub >= kSubscriptions || item >= kNvItemCount) return kNvBadParm;
-  if (!rpk_host::read_file(nv_file(sub, item), *value)) return kNvNotActive;
+  if (!rpk_host::read_file(nv_file(sub, item), *value, kNvItemMax)) return kNvNotActive;
   return kNvDone;
 }
 

@@ -27,8 +27,8 @@ char priority_letter(int prio) {
 
 constexpr size_t kLogcatMax = 4 << 20;
 
-// Lines are batched up to this size and written before each request to the
-// simulated modem (rpk_host::flush_log) and at exit.
+// Lines are batched up to this size and written after each request to the
+// simulated modem is sent (rpk_host::flush_log) and at exit.
 constexpr size_t kLogcatBatch = 4096;
 
 rpk_host::BoundedLog &logcat() {

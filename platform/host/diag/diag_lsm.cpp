@@ -109,10 +109,10 @@ bool send_locked(Library &l, const rpk_diag::Header &h, const uint8_t *body, siz
   Bytes packet(rpk_diag::kHeaderLen + n);
   rpk_diag::put_header(packet.data(), h);
   if (n > 0) memcpy(packet.data() + rpk_diag::kHeaderLen, body, n);
-  rpk_host::flush_log();
   ssize_t sent;
   while ((sent = send(l.fd, packet.data(), packet.size(), MSG_NOSIGNAL)) < 0 && errno == EINTR) {
   }
+  rpk_host::flush_log();  // while the modem works on the answer
   return sent == static_cast<ssize_t>(packet.size());
 }
 

@@ -40,8 +40,10 @@ bool write_file_atomic(const std::string &path, std::string_view data);
 // and below. Returns how many were removed.
 size_t remove_stale_temporaries(const std::string &dir);
 
-// Reads a whole file; false when it cannot be opened.
-bool read_file(const std::string &path, std::string &out);
+// Reads a whole file; false when it cannot be opened. A caller that knows
+// the file is a regular one of usually at most `size_hint` bytes saves a
+// system call asking for its size (a larger one is still read whole).
+bool read_file(const std::string &path, std::string &out, size_t size_hint = 0);
 
 // An append-only text file of bounded size. Once it has passed max_bytes
 // (looked at after every max_bytes/128 bytes a writer appends) it becomes
@@ -95,9 +97,9 @@ class BoundedLog {
   size_t unchecked_ = 0;  // bytes written since the size was last asked; guarded by mu_
 };
 
-// Writes the host log's kept lines: called before each request to the
-// simulated modem, so what was logged before it is in the file by the time
-// the modem sees the request, and at exit.
+// Writes the host log's kept lines: called right after each request to the
+// simulated modem is sent (the wait for its answer hides the write), and at
+// exit.
 void flush_log();
 
 }  // namespace rpk_host

@@ -117,14 +117,15 @@ size_t remove_stale_temporaries(const std::string &dir) {
   return removed;
 }
 
-bool read_file(const std::string &path, std::string &out) {
+bool read_file(const std::string &path, std::string &out, size_t size_hint) {
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;
   // A regular file is read in one call of its size (a short read is its
-  // end); anything else, such as a pipe, until read says the end.
+  // end); anything else, such as a pipe, until read says the end. With a
+  // hint the file is taken to be regular without asking.
   struct stat st {};
-  const bool regular = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
-  out.resize(regular ? static_cast<size_t>(st.st_size) + 1 : 4096);
+  const bool regular = size_hint > 0 || (fstat(fd, &st) == 0 && S_ISREG(st.st_mode));
+  out.resize(size_hint > 0 ? size_hint + 1 : regular ? static_cast<size_t>(st.st_size) + 1 : 4096);
   size_t done = 0;
   for (;;) {
     if (done == out.size()) out.resize(out.size() * 2);

@@ -131,8 +131,8 @@ int transact(Client &c, uint16_t msg_id, const std::vector<uint8_t> &body,
   rpk_qmi::put_header(packet.data(),
                       {rpk_qmi::kCtlRequest, txn, msg_id, static_cast<uint16_t>(body.size())});
   packet.insert(packet.end(), body.begin(), body.end());
-  rpk_host::flush_log();
   const ssize_t sent = send(c.fd, packet.data(), packet.size(), MSG_NOSIGNAL);
+  rpk_host::flush_log();  // while the modem works on the answer
 
   std::unique_lock<std::mutex> lock(c.mu);
   if (sent == static_cast<ssize_t>(packet.size())) {

@@ -501,8 +501,8 @@ qmi_client_error_type qmi_client_send_msg_sync(qmi_client_type user_handle, unsi
     ++h->active;
   }
   rpk_qmi::put_header(packet, {rpk_qmi::kCtlRequest, txn, id, static_cast<uint16_t>(tlv_len)});
-  rpk_host::flush_log();
   const ssize_t sent = send(h->fd, packet, rpk_qmi::kHeaderLen + tlv_len, MSG_NOSIGNAL);
+  rpk_host::flush_log();  // while the modem works on the answer
 
   std::unique_lock<std::mutex> lock(h->mu);
   bool answered = false;
