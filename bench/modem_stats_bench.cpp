@@ -17,10 +17,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
 #include <string>
 #include <vector>
 
+#include "bench/best_run_reporter.h"
 #include "bench/quiet_stdout.h"
 #include "modem_stats/decode/decode_run.h"
 #include "modem_stats/logs/golden.h"
@@ -236,70 +236,29 @@ BENCHMARK(BM_DecodeJsonHdlc);
 BENCHMARK(BM_DecodePlainText);
 BENCHMARK(BM_DecodeJsonText);
 
-// The console report, keeping each benchmark's best packet rate for the
-// ratios: on a shared machine a neighbour only ever slows a repetition down,
-// so the fastest one is the closest to what the code costs.
-class rate_reporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run> &runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run &run : runs) {
-      if (run.run_type != Run::RT_Iteration) continue;
-      const auto it = run.counters.find("items_per_second");
-      if (it == run.counters.end()) continue;
-      double &best = rates_[run.run_name.function_name];
-      best = std::max(best, it->second.value);
-    }
+// Each decoding rate against the engine's dispatch rate on the same set.
+void print_ratios(const best_run_reporter &best) {
+  const double engine = best.rate("BM_DispatchMixed");
+  if (engine <= 0) return;
+  struct target {
+    const char *name;
+    double share;
+  };
+  printf("\nbest rate / best engine dispatch rate (mixed set, %.0f packets/s):\n", engine);
+  for (const target &t : {target{"BM_CopyFloorMixed", 0}, target{"BM_DecodePlainHdlc", 0.70},
+                          target{"BM_DecodeJsonHdlc", 0.50}, target{"BM_DecodePlainText", 0.70},
+                          target{"BM_DecodeJsonText", 0.50}}) {
+    const double rate = best.rate(t.name);
+    if (rate > 0) print_ratio(t.name, rate / engine, t.share, false);
   }
-
-  // Each decoding rate against the engine's dispatch rate on the same set.
-  void print_ratios() const {
-    const auto engine = rates_.find("BM_DispatchMixed");
-    if (engine == rates_.end() || engine->second <= 0) return;
-    struct target {
-      const char *name;
-      double share;
-    };
-    printf("\nbest rate / best engine dispatch rate (mixed set, %.0f packets/s):\n",
-           engine->second);
-    for (const target &t : {target{"BM_CopyFloorMixed", 0}, target{"BM_DecodePlainHdlc", 0.70},
-                            target{"BM_DecodeJsonHdlc", 0.50}, target{"BM_DecodePlainText", 0.70},
-                            target{"BM_DecodeJsonText", 0.50}}) {
-      const auto it = rates_.find(t.name);
-      if (it == rates_.end()) continue;
-      const double r = it->second / engine->second;
-      if (t.share > 0) {
-        printf("  %-20s %6.2f  (target >= %.2f: %s)\n", t.name, r, t.share,
-               r >= t.share ? "met" : "MISSED");
-      } else {
-        printf("  %-20s %6.2f\n", t.name, r);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> rates_;
-};
+}
 
 }  // namespace
 
 int main(int argc, char **argv) {
-  // Five repetitions in shuffled order unless the command line says
-  // otherwise (later flags win): a burst of load then hits one repetition of
-  // one benchmark, not every run of it.
-  char repetitions[] = "--benchmark_repetitions=5";
-  char interleave[] = "--benchmark_enable_random_interleaving=true";
-  std::vector<char *> args = {argv[0], repetitions, interleave};
-  for (int i = 1; i < argc; ++i) args.push_back(argv[i]);
-  int count = static_cast<int>(args.size());
-  args.push_back(nullptr);
-  argv = args.data();
-  argc = count;
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  rate_reporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.print_ratios();
+  best_run_reporter reporter;
+  if (!run_best_of_five(argc, argv, reporter)) return 1;
+  print_ratios(reporter);
   benchmark::Shutdown();
   return 0;
 }
