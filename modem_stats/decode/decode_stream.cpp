@@ -4,9 +4,6 @@
 #include <bit>
 #include <cstring>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 #if defined(__x86_64__)
 #include <immintrin.h>
 #endif
@@ -193,8 +190,8 @@ constexpr std::array<uint8_t, 256> kHexValue = [] {
 }();
 
 // Eight hex digits (the first in the low byte) to four bytes at `out`, a word
-// at a time: the text form spends most of its time here. False when one of
-// them is no hex digit.
+// at a time: the path without AVX2, and the tail of a line after it. False
+// when one of them is no hex digit.
 bool hex8(uint64_t x, uint8_t *out) {
   constexpr uint64_t kOnes = 0x0101010101010101;
   constexpr uint64_t kHighs = 0x8080808080808080;
@@ -218,13 +215,14 @@ bool hex8(uint64_t x, uint8_t *out) {
 
 #if defined(__x86_64__)
 // Whole groups of 32 hex digits from `in` (at most n characters) to bytes at
-// `out`, on CPUs that have AVX2 (asked once): the lanes work as in hex16
-// below, twice as many at a time. Stops before the first group that holds a
-// character that is no hex digit; returns the digits used.
+// `out`, on CPUs that have AVX2 (asked once). Stops before the first group
+// that holds a character that is no hex digit; returns the digits used.
 __attribute__((target("avx2"))) size_t hex_avx2(const char *in, size_t n, uint8_t *out) {
   size_t i = 0;
   for (; n - i >= 32; i += 32, out += 16) {
     const __m256i x = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + i));
+    // Offsets from '0' and from 'a' (either case); a lane is a digit when its
+    // offset is at most 9, a letter when at most 5 (unsigned, so below wraps).
     const __m256i d = _mm256_sub_epi8(x, _mm256_set1_epi8('0'));
     const __m256i l =
         _mm256_sub_epi8(_mm256_or_si256(x, _mm256_set1_epi8(0x20)), _mm256_set1_epi8('a'));
@@ -244,28 +242,6 @@ __attribute__((target("avx2"))) size_t hex_avx2(const char *in, size_t n, uint8_
 bool has_avx2() {
   static const bool yes = (__builtin_cpu_init(), __builtin_cpu_supports("avx2") != 0);
   return yes;
-}
-#endif
-
-#if defined(__SSE2__)
-// Sixteen hex digits to eight bytes at `out`, as hex8 does, sixteen lanes at
-// once: on the text form this is most of the reader's time.
-bool hex16(const char *in, uint8_t *out) {
-  const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i *>(in));
-  // Offsets from '0' and from 'a' (either case); a lane is a digit when its
-  // offset is at most 9, a letter when at most 5 (unsigned, so below wraps).
-  const __m128i d = _mm_sub_epi8(x, _mm_set1_epi8('0'));
-  const __m128i l = _mm_sub_epi8(_mm_or_si128(x, _mm_set1_epi8(0x20)), _mm_set1_epi8('a'));
-  const __m128i is_d = _mm_cmpeq_epi8(_mm_min_epu8(d, _mm_set1_epi8(9)), d);
-  const __m128i is_l = _mm_cmpeq_epi8(_mm_min_epu8(l, _mm_set1_epi8(5)), l);
-  if (_mm_movemask_epi8(_mm_or_si128(is_d, is_l)) != 0xFFFF) return false;
-  const __m128i v = _mm_or_si128(_mm_and_si128(is_d, d),
-                                 _mm_andnot_si128(is_d, _mm_add_epi8(l, _mm_set1_epi8(10))));
-  // Each 16-bit lane holds a pair, its first digit (the high nibble) low.
-  const __m128i pair =
-      _mm_or_si128(_mm_slli_epi16(_mm_and_si128(v, _mm_set1_epi16(0xFF)), 4), _mm_srli_epi16(v, 8));
-  _mm_storel_epi64(reinterpret_cast<__m128i *>(out), _mm_packus_epi16(pair, pair));
-  return true;
 }
 #endif
 
@@ -410,7 +386,8 @@ void decode_hdlc(std::span<const uint8_t> stream, const decode_sink &sink) {
   reader.finish();
 }
 
-decode_text_reader::decode_text_reader(const decode_sink &sink) : sink_(sink) {}
+decode_text_reader::decode_text_reader(const decode_sink &sink)
+    : sink_(sink), quick_(decode_max_packet) {}
 
 void decode_text_reader::carry(const char *text, size_t n) {
   if (too_long_) return;
@@ -454,7 +431,6 @@ const char *decode_text_reader::quick_line(const char *p, const char *end) {
   if (gap == nullptr || !parse_code({p, static_cast<size_t>(gap - p)}, &event, &id)) return nullptr;
   const char *const hex = gap + 1;
   const size_t room = std::min<size_t>(end - hex, 2 * decode_max_packet);
-  if (quick_.size() < decode_max_packet) quick_.resize(decode_max_packet);
   const size_t used = decode_hex_prefix(hex, room, quick_.data());
   if (used == 0 || used == room || hex[used] != '\n') return nullptr;
   ++lines_;
@@ -533,11 +509,6 @@ size_t decode_hex_prefix(const char *in, size_t n, uint8_t *out) {
   size_t i = 0;
 #if defined(__x86_64__)
   if (n >= 32 && has_avx2()) i = hex_avx2(in, n, out);
-#endif
-#if defined(__SSE2__)
-  for (; n - i >= 16; i += 16) {
-    if (!hex16(in + i, out + i / 2)) break;
-  }
 #endif
   if constexpr (std::endian::native == std::endian::little) {
     for (; n - i >= 8; i += 8) {

@@ -100,7 +100,7 @@ class decode_text_reader {
   const decode_sink &sink_;
   std::string carried_;  // the start of a line split across blocks
   std::vector<uint8_t> payload_;
-  std::vector<uint8_t> quick_;  // quick_line's payload, decode_max_packet bytes
+  std::vector<uint8_t> quick_;  // quick_line's payload: decode_max_packet bytes
   size_t lines_ = 0;
   bool too_long_ = false;
 };
