@@ -83,6 +83,7 @@ class BoundedLog {
 
  private:
   void open_nolock();
+  void flush_nolock();
   void write_nolock(std::string_view bytes);
   void rotate_if_full_nolock();
 

@@ -123,9 +123,14 @@ bool read_file(const std::string &path, std::string &out, size_t size_hint) {
   // A regular file is read in one call of its size (a short read is its
   // end); anything else, such as a pipe, until read says the end. With a
   // hint the file is taken to be regular without asking.
-  struct stat st {};
-  const bool regular = size_hint > 0 || (fstat(fd, &st) == 0 && S_ISREG(st.st_mode));
-  out.resize(size_hint > 0 ? size_hint + 1 : regular ? static_cast<size_t>(st.st_size) + 1 : 4096);
+  bool regular = true;
+  size_t first = size_hint + 1;
+  if (size_hint == 0) {
+    struct stat st {};
+    regular = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+    first = regular ? static_cast<size_t>(st.st_size) + 1 : 4096;
+  }
+  out.resize(first);
   size_t done = 0;
   for (;;) {
     if (done == out.size()) out.resize(out.size() * 2);
@@ -162,10 +167,7 @@ void BoundedLog::append(std::string_view line) {
     write_nolock(line);
     return;
   }
-  if (batch_.size() + line.size() > batch_bytes_) {
-    write_nolock(batch_);
-    batch_.clear();
-  }
+  if (batch_.size() + line.size() > batch_bytes_) flush_nolock();
   if (line.size() > batch_bytes_) {
     write_nolock(line);
   } else {
@@ -175,16 +177,18 @@ void BoundedLog::append(std::string_view line) {
 
 void BoundedLog::flush() {
   std::lock_guard lock(mu_);
-  if (fd_ < 0 || batch_.empty()) return;
-  write_nolock(batch_);
-  batch_.clear();
+  flush_nolock();
 }
 
 void BoundedLog::stop_batching() {
   std::lock_guard lock(mu_);
+  flush_nolock();
+  batch_bytes_ = 0;
+}
+
+void BoundedLog::flush_nolock() {
   if (fd_ >= 0 && !batch_.empty()) write_nolock(batch_);
   batch_.clear();
-  batch_bytes_ = 0;
 }
 
 void BoundedLog::write_nolock(std::string_view bytes) {
