@@ -49,16 +49,18 @@ rpk_host::BoundedLog &logcat() {
 // the state directory) in a process that never wrote a line.
 std::atomic<bool> g_logged{false};
 
-// The process and thread ids of a line, asked of the kernel once per thread
-// (and again in a forked child) instead of twice per line.
+// The process id, asked of the kernel once (and again in a forked child).
 std::atomic<int> g_pid{0};
 
+// " <pid> <tid> " of a line as "%5d %5ld" prints them, made once per thread
+// (and again in a forked child) instead of asked and printed per line.
 struct Ids {
-  int pid;
-  long tid;
+  int pid = 0;
+  char text[48] = "";
+  size_t len = 0;
 };
 
-Ids ids() {
+const Ids &ids() {
   static const bool fork_aware = [] {
     pthread_atfork(nullptr, nullptr, [] { g_pid.store(0); });
     return true;
@@ -69,8 +71,13 @@ Ids ids() {
     pid = static_cast<int>(getpid());
     g_pid.store(pid, std::memory_order_relaxed);
   }
-  thread_local Ids mine{0, 0};
-  if (mine.pid != pid) mine = {pid, static_cast<long>(syscall(SYS_gettid))};
+  thread_local Ids mine;
+  if (mine.pid != pid) {
+    mine.pid = pid;
+    const int n = snprintf(mine.text, sizeof mine.text, " %5d %5ld ", pid,
+                           static_cast<long>(syscall(SYS_gettid)));
+    mine.len = static_cast<size_t>(std::max(n, 0));
+  }
   return mine;
 }
 
@@ -89,18 +96,41 @@ int vlog_line(int prio, const char *tag, const char *fmt, va_list ap) {
     stamp_second = tv.tv_sec;
   }
 
-  char line[4096 + 128];
-  const Ids id = ids();
-  const int head = snprintf(line, sizeof line, "%s.%03ld %5d %5ld %c %s: ", stamp,
-                            static_cast<long>(tv.tv_usec / 1000), id.pid, id.tid,
-                            priority_letter(prio), tag != nullptr ? tag : "");
-  if (head < 0) return head;
   // A message is cut at 4095 characters, as Android's own buffer does.
   constexpr size_t kMessageMax = 4096;  // with its terminating NUL
-  size_t len = std::min(static_cast<size_t>(head), sizeof line - kMessageMax - 1);
-  const int n = vsnprintf(line + len, kMessageMax, fmt, ap);
-  if (n < 0) return n;
-  len += std::min(static_cast<size_t>(n), kMessageMax - 1);
+  char line[kMessageMax + 128];
+  // The head, "<stamp>.<ms> <pid> <tid> <priority> <tag>: ", put together by
+  // hand: a format pass here cost more than the rest of the line.
+  size_t len = 0;
+  auto put = [&](const char *s, size_t n) {
+    n = std::min(n, sizeof line - kMessageMax - 1 - len);
+    memcpy(line + len, s, n);
+    len += n;
+  };
+  put(stamp, strlen(stamp));
+  const long ms = static_cast<long>(tv.tv_usec / 1000);
+  const char millis[4] = {'.', static_cast<char>('0' + ms / 100),
+                          static_cast<char>('0' + ms / 10 % 10), static_cast<char>('0' + ms % 10)};
+  put(millis, sizeof millis);
+  const Ids &id = ids();
+  put(id.text, id.len);
+  const char letter[2] = {priority_letter(prio), ' '};
+  put(letter, sizeof letter);
+  if (tag != nullptr) put(tag, strlen(tag));
+  put(": ", 2);
+  size_t n;
+  if (strcmp(fmt, "%s") == 0) {
+    // A whole message handed over as one string: copied, not formatted.
+    const char *text = va_arg(ap, const char *);
+    if (text == nullptr) text = "(null)";
+    n = strnlen(text, kMessageMax - 1);
+    memcpy(line + len, text, n);
+  } else {
+    const int r = vsnprintf(line + len, kMessageMax, fmt, ap);
+    if (r < 0) return r;
+    n = std::min(static_cast<size_t>(r), kMessageMax - 1);
+  }
+  len += n;
   line[len++] = '\n';
   logcat().append(std::string_view(line, len));
   g_logged.store(true, std::memory_order_release);
