@@ -47,7 +47,8 @@ constexpr char kUsage[] =
     "  indicate NUMBER [HEX...]                 send an Extend-QMI indication\n"
     "  diag answer REQ_PREFIX_HEX RESPONSE_HEX [--size N] | diag answer clear\n"
     "  diag set remote_mask|support_list HEX | diag set dci_piece N\n"
-    "  journal [clear]                          print or clear the request journal\n";
+    "  journal [clear|sync]                     print or clear the request journal, or\n"
+    "                                           wait until it holds every answered request\n";
 
 int usage() {
   fputs(kUsage, stderr);
@@ -357,7 +358,17 @@ int cmd_journal(const std::vector<std::string> &a) {
     unlink((journal + ".1").c_str());
     return 0;
   }
-  if (!a.empty()) return usage();
+  const bool sync = a.size() == 1 && a[0] == "sync";
+  if (!a.empty() && !sync) return usage();
+  // A request's entry is written just after its answer, before the daemon
+  // reads anything else: once it has answered this, every request answered
+  // before is in the file.
+  if (rpk_host::modem_sim_running()) {
+    json answer;
+    std::string error;
+    if (!rpk_sim::control_request({{"cmd", "ping"}}, &answer, &error)) return complain(error);
+  }
+  if (sync) return 0;
   // What the journal keeps: the rotated part first, then the current file.
   const std::string journal = rpk_host::state_dir() + "/journal.jsonl";
   for (const std::string &file : {journal + ".1", journal}) {

@@ -43,6 +43,13 @@ FaultEffect apply_faults(Faults &faults, uint32_t service, int64_t request_id, O
 
 }  // namespace
 
+nlohmann::json journal_of(Outcome &out) {
+  nlohmann::json j = std::move(out.journal);
+  if (out.request) j["envelope"] = envelope_json(*out.request, false);
+  if (out.response) j["response"] = envelope_json(*out.response, true);
+  return j;
+}
+
 std::string to_hex(const uint8_t *p, size_t n) {
   // Both digits of every byte value, so each byte is one two-byte copy.
   static constexpr auto kPairs = [] {
@@ -107,7 +114,7 @@ Outcome Modem::extend_qmi(uint16_t msg_id, const uint8_t *tlvs, size_t len, Faul
     out.journal["decode_error"] = rc;
     resp.word = kQmiErrMalformedMsg;
   } else {
-    out.journal["envelope"] = envelope_json(req, false);
+    out.request = req;
     request_id = req.word;
   }
   const FaultEffect fx = apply_faults(faults, kExtendQmiServiceId, request_id, out);
@@ -147,8 +154,8 @@ Outcome Modem::extend_qmi(uint16_t msg_id, const uint8_t *tlvs, size_t len, Faul
     }
   }
   if (out.delay_ms > 0 && fx.delay_ms > 0) out.journal["delay_ms"] = out.delay_ms;
-  out.journal["response"] = envelope_json(resp, true);
   out.tlvs = encode_extend(resp);
+  out.response = std::move(resp);
   return out;
 }
 

@@ -5,12 +5,14 @@
 #include <cstdint>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "endpoint.h"
 #include "faults.h"
+#include "qmi_wire.h"
 #include "settings.h"
 #include "store.h"
 
@@ -27,7 +29,14 @@ struct Outcome {
   AfterReply after = AfterReply::kNothing;
   nlohmann::json journal;  // decoded request and response, for the journal
   Corruption corrupt;      // damage the transport does to the answer packet
+  // An Extend-QMI request's and answer's envelopes, kept as they are: their
+  // journal JSON is made once the answer is out (journal_of).
+  std::optional<ExtendEnvelope> request, response;
 };
+
+// The journal's description of an outcome (taken from it): `journal` with the
+// envelopes as "envelope" and "response".
+nlohmann::json journal_of(Outcome &out);
 
 class Modem {
  public:

@@ -30,13 +30,17 @@ void QmiServiceEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packe
   if (!take_request(host_, packet, entry, &h)) return;
   Outcome out = host_.modem().handle(conn, id_, h.msg_id, packet.data() + rpk_qmi::kHeaderLen,
                                      h.len, host_.faults());
-  for (auto &[key, value] : out.journal.items()) entry[key] = std::move(value);
-  host_.journal().append(entry);
-  if (!out.reply) {
+  if (out.reply) {
+    send_response(host_, conn, h, out.tlvs, out.delay_ms, out.after, &out.corrupt);
+  } else {
     host_.close_conn(conn);
-    return;
   }
-  send_response(host_, conn, h, out.tlvs, out.delay_ms, out.after, &out.corrupt);
+  // The entry is made and written while the client reads its answer; the
+  // daemon reads nothing else before it is in the file, so a reader who has
+  // since had any answer from the control socket finds it there.
+  nlohmann::json described = journal_of(out);
+  for (auto &[key, value] : described.items()) entry[key] = std::move(value);
+  journal_request(host_, packet, entry);
 }
 
 bool welcome_client(EndpointHost &host, uint32_t service, uint64_t conn) {
@@ -48,14 +52,18 @@ bool welcome_client(EndpointHost &host, uint32_t service, uint64_t conn) {
 
 bool take_request(EndpointHost &host, std::span<const uint8_t> packet, nlohmann::json &entry,
                   rpk_qmi::Header *h) {
-  entry["wire"] = to_hex(packet.data(), packet.size());
   if (!rpk_qmi::parse_header(packet.data(), packet.size(), h) || h->ctl != rpk_qmi::kCtlRequest) {
     entry["error"] = "malformed packet";
-    host.journal().append(entry);
+    journal_request(host, packet, entry);
     return false;
   }
   entry["txn"] = h->txn;
   return true;
+}
+
+void journal_request(EndpointHost &host, std::span<const uint8_t> packet, nlohmann::json &entry) {
+  entry["wire"] = to_hex(packet.data(), packet.size());
+  host.journal().append(entry);
 }
 
 void send_response(EndpointHost &host, uint64_t conn, const rpk_qmi::Header &req,

@@ -1,7 +1,7 @@
 // A QMI service of the simulated modem (Extend-QMI 0xFFE4, SAR 0x11): welcomes
 // each client (or refuses it under the refuse-init fault), answers one request
-// packet at a time through the modem, and journals each request before its
-// answer goes out.
+// packet at a time through the modem, and journals each request right after
+// its answer goes out (before the daemon reads anything else).
 #pragma once
 
 #include "endpoint.h"
@@ -18,9 +18,11 @@ namespace rpk_sim {
 bool welcome_client(EndpointHost &host, uint32_t service, uint64_t conn);
 // Reads a request's header into *h. A packet that is not a request is
 // journalled with `entry` (which already names the service and client) and
-// false is returned. `entry` gains "wire" and "txn".
+// false is returned; else `entry` gains "txn".
 bool take_request(EndpointHost &host, std::span<const uint8_t> packet, nlohmann::json &entry,
                   rpk_qmi::Header *h);
+// Journals `entry` with the request's bytes as "wire".
+void journal_request(EndpointHost &host, std::span<const uint8_t> packet, nlohmann::json &entry);
 // Answers request `req` with `body` (damaged by `corrupt` when given),
 // `delay_ms` late; `after` takes its effect just before the answer goes out.
 void send_response(EndpointHost &host, uint64_t conn, const rpk_qmi::Header &req,

@@ -113,7 +113,7 @@ void StatsEndpoint::on_packet(uint64_t conn, std::span<const uint8_t> packet) {
     entry["error"] = "unknown message";
     rsp.assign(4, 0xFF);  // result -1
   }
-  host_.journal().append(entry);
+  journal_request(host_, packet, entry);
   if (drop) {
     host_.close_conn(conn);
     return;

@@ -4,6 +4,7 @@
 #include <sar_service_v01.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -105,6 +106,21 @@ TEST_F(QcciSimTest, ReadsAnNvItemAndTheJournalShowsTheExactRequest) {
             "00010002001102"
             "01040002000000");
   EXPECT_EQ(e["wire"].get<std::string>().size(), 2u * 536);
+}
+
+// Entries are written after the answers; a reader in step with the modem
+// (journal() syncs first) must still find each answered request.
+TEST_F(QcciSimTest, EachAnsweredRequestIsInTheJournalOnceSynced) {
+  start();
+  qmi_client_type h = open_extend();
+  ASSERT_NE(h, nullptr);
+  for (int i = 1; i <= 5; ++i) {
+    ASSERT_EQ(nv_value(h, 550).size(), 9u);
+    const std::string text = journal();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), i);
+    EXPECT_NE(text.find("\"seq\":" + std::to_string(i) + ","), std::string::npos);
+  }
+  qmi_client_release(h);
 }
 
 TEST_F(QcciSimTest, SendChecksItsArgumentsAndTheModemItsEnvelope) {

@@ -77,6 +77,7 @@ void SimTest::TearDown() {
 }
 
 std::string SimTest::journal() {
+  sim("journal sync");
   std::string text;
   rpk_host::read_file(dir_ + "/journal.jsonl", text);
   return text;
