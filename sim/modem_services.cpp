@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 #include "modem_errors.h"
 #include "qmi_wire.h"
@@ -63,7 +66,27 @@ std::string to_hex(const uint8_t *p, size_t n) {
   }();
   std::string s(n * 2, '\0');
   char *out = s.data();
-  for (size_t i = 0; i < n; ++i) memcpy(out + 2 * i, &kPairs[2 * p[i]], 2);
+  size_t i = 0;
+#ifdef __SSE2__
+  // Every entry carries a few kilobytes of hex: 16 bytes at a time, each
+  // nibble n made '0' + n, plus 39 more above 9 ('a' - '0' - 10).
+  const __m128i low = _mm_set1_epi8(0x0F);
+  const __m128i nine = _mm_set1_epi8(9);
+  const __m128i zero = _mm_set1_epi8('0');
+  const __m128i gap = _mm_set1_epi8(39);
+  auto digits = [&](__m128i nibbles) {
+    const __m128i above = _mm_and_si128(_mm_cmpgt_epi8(nibbles, nine), gap);
+    return _mm_add_epi8(_mm_add_epi8(nibbles, zero), above);
+  };
+  for (; n - i >= 16; i += 16) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + i));
+    const __m128i hi = digits(_mm_and_si128(_mm_srli_epi16(v, 4), low));
+    const __m128i lo = digits(_mm_and_si128(v, low));
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 2 * i), _mm_unpacklo_epi8(hi, lo));
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 2 * i + 16), _mm_unpackhi_epi8(hi, lo));
+  }
+#endif
+  for (; i < n; ++i) memcpy(out + 2 * i, &kPairs[2 * p[i]], 2);
   return s;
 }
 

@@ -1,14 +1,20 @@
 #include "sim_text.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 
 namespace rpk_sim {
 
 std::string hex_id(uint32_t id) {
-  char buf[16];
-  snprintf(buf, sizeof buf, "0x%04x", id);
-  return buf;
+  // "0x%04x", made by hand: every journal entry names its service and message.
+  constexpr char kDigits[] = "0123456789abcdef";
+  char buf[10];
+  int n = 0;
+  for (uint32_t rest = id; rest != 0; rest >>= 4) ++n;
+  n = std::max(n, 4);
+  for (int i = 0; i < n; ++i) buf[n - 1 - i] = kDigits[(id >> (4 * i)) & 0xF];
+  return "0x" + std::string(buf, n);
 }
 
 std::string dump_json(const nlohmann::json &j) {

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <ctime>
 #include <filesystem>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -52,12 +54,16 @@ TEST(Journal, LinesAreTheLibrarysCompactDump) {
       entries.push_back({{"s", s}});
     }
   }
+  const time_t before = time(nullptr);
   {
     Journal journal(path);
     for (const auto &e : entries) journal.append(e);
   }
+  const time_t after = time(nullptr);
   std::string text;
   ASSERT_TRUE(rpk_host::read_file(path, text));
+  static const std::regex kStamp(
+      "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z");
   size_t at = 0;
   uint64_t seq = 0;
   for (const auto &e : entries) {
@@ -67,6 +73,13 @@ TEST(Journal, LinesAreTheLibrarysCompactDump) {
     const json written = json::parse(line, nullptr, false);
     ASSERT_TRUE(written.is_object()) << line;
     EXPECT_EQ(written["seq"], ++seq);
+    // UTC to the millisecond, within the time the appends took.
+    const std::string stamp = written["time"].get<std::string>();
+    EXPECT_TRUE(std::regex_match(stamp, kStamp)) << stamp;
+    tm utc{};
+    strptime(stamp.c_str(), "%Y-%m-%dT%H:%M:%S", &utc);
+    const time_t second = timegm(&utc);
+    EXPECT_TRUE(second >= before && second <= after) << stamp;
     EXPECT_EQ(line, library_line(e, written));
     at = end + 1;
   }

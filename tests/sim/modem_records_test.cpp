@@ -2,6 +2,7 @@
 // each request does to the store and what the response record says.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "modem_services.h"
 #include "platform/host/link/rpk_host.h"
 #include "sim_fixture.h"
+#include "sim_text.h"
 
 namespace rpk_sim {
 namespace {
@@ -218,4 +220,25 @@ TEST_F(ModemRecordsTest, NvStoreRecordTimingAndLength) {
 }
 
 }  // namespace
+// The journal's hex: every byte value, at every place of the 16-byte steps
+// and in the tail after them.
+TEST(SimText, HexOfBytesAndIds) {
+  std::vector<uint8_t> bytes(256 + 37);
+  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 7 + i / 256);
+  for (size_t len = 0; len <= bytes.size(); len += (len < 40 ? 1 : 17)) {
+    std::string want;
+    for (size_t i = 0; i < len; ++i) {
+      char pair[3];
+      snprintf(pair, sizeof pair, "%02x", bytes[i]);
+      want += pair;
+    }
+    EXPECT_EQ(to_hex(bytes.data(), len), want) << len;
+  }
+  for (uint32_t id : {0u, 0x11u, 0x0002u, 0xffe4u, 0x12345u, 0xffffffffu}) {
+    char want[16];
+    snprintf(want, sizeof want, "0x%04x", id);
+    EXPECT_EQ(hex_id(id), want);
+  }
+}
+
 }  // namespace rpk_sim
