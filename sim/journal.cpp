@@ -4,7 +4,6 @@
 
 #include <charconv>
 #include <cstring>
-#include <ctime>
 #include <string_view>
 
 namespace rpk_sim {
@@ -109,20 +108,8 @@ Journal::Journal(std::string path, size_t max_bytes) : log_(std::move(path), max
 void Journal::append(const nlohmann::json &entry) {
   timeval tv{};
   gettimeofday(&tv, nullptr);
-  // The date and time change once a second; entries come much faster.
-  if (tv.tv_sec != stamp_second_) {
-    tm utc{};
-    gmtime_r(&tv.tv_sec, &utc);
-    stamp_len_ = strftime(stamp_, sizeof stamp_ - 5, "%Y-%m-%dT%H:%M:%S", &utc);
-    stamp_second_ = tv.tv_sec;
-  }
-  const long ms = static_cast<long>(tv.tv_usec / 1000);
-  const char tail[5] = {'.', static_cast<char>('0' + ms / 100),
-                        static_cast<char>('0' + ms / 10 % 10), static_cast<char>('0' + ms % 10),
-                        'Z'};
-  memcpy(stamp_ + stamp_len_, tail, sizeof tail);
   const json seq = ++seq_;
-  const json time = std::string(stamp_, stamp_len_ + sizeof tail);
+  const json time = std::string(stamp_.text(tv));
 
   // The entry as one compact JSON object with "seq" and "time" in their
   // places among its sorted keys, written without copying the entry.

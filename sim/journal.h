@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -30,11 +29,8 @@ class Journal {
  private:
   rpk_host::BoundedLog log_;
   uint64_t seq_ = 0;
-  std::string line_;  // reused: the line being written
-  // The entry time's date and time, made again when the second changes.
-  time_t stamp_second_ = -1;
-  char stamp_[40] = "";
-  size_t stamp_len_ = 0;
+  std::string line_;                                            // reused: the line being written
+  rpk_host::ClockStamp stamp_{"%Y-%m-%dT%H:%M:%S", true, 'Z'};  // UTC
 };
 
 }  // namespace rpk_sim

@@ -13,7 +13,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <string>
 
 #include "platform/host/link/rpk_host.h"
@@ -86,15 +85,8 @@ const Ids &ids() {
 int vlog_line(int prio, const char *tag, const char *fmt, va_list ap) {
   timeval tv{};
   gettimeofday(&tv, nullptr);
-  // The date and time change once a second; lines come much faster.
-  thread_local time_t stamp_second = -1;
-  thread_local char stamp[32];
-  if (tv.tv_sec != stamp_second) {
-    tm local{};
-    localtime_r(&tv.tv_sec, &local);
-    strftime(stamp, sizeof stamp, "%m-%d %H:%M:%S", &local);
-    stamp_second = tv.tv_sec;
-  }
+  thread_local rpk_host::ClockStamp stamp("%m-%d %H:%M:%S", false);
+  const std::string_view when = stamp.text(tv);
 
   // A message is cut at 4095 characters, as Android's own buffer does.
   constexpr size_t kMessageMax = 4096;  // with its terminating NUL
@@ -107,11 +99,7 @@ int vlog_line(int prio, const char *tag, const char *fmt, va_list ap) {
     memcpy(line + len, s, n);
     len += n;
   };
-  put(stamp, strlen(stamp));
-  const long ms = static_cast<long>(tv.tv_usec / 1000);
-  const char millis[4] = {'.', static_cast<char>('0' + ms / 100),
-                          static_cast<char>('0' + ms / 10 % 10), static_cast<char>('0' + ms % 10)};
-  put(millis, sizeof millis);
+  put(when.data(), when.size());
   const Ids &id = ids();
   put(id.text, id.len);
   const char letter[2] = {priority_letter(prio), ' '};

@@ -2,7 +2,10 @@
 // the simulated modem. Not part of the phone build.
 #pragma once
 
+#include <sys/time.h>
+
 #include <cstddef>
+#include <ctime>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -96,6 +99,24 @@ class BoundedLog {
   std::string batch_;     // guarded by mu_
   int fd_ = -1;           // guarded by mu_
   size_t unchecked_ = 0;  // bytes written since the size was last asked; guarded by mu_
+};
+
+// A clock reading as text: its second through strftime `format` (UTC or
+// local time), then ".<milliseconds>" and `suffix`. The second's part is made
+// again only when the second changes: log lines come much faster.
+class ClockStamp {
+ public:
+  ClockStamp(const char *format, bool utc, char suffix = '\0')
+      : format_(format), utc_(utc), suffix_(suffix) {}
+  std::string_view text(const timeval &tv);
+
+ private:
+  const char *format_;
+  bool utc_;
+  char suffix_;
+  time_t second_ = -1;
+  char text_[48] = "";
+  size_t second_len_ = 0;
 };
 
 // Writes the host log's kept lines: called right after each request to the

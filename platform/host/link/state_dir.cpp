@@ -144,6 +144,27 @@ bool read_file(const std::string &path, std::string &out, size_t size_hint) {
   return true;  // as before: only a file that cannot be opened fails
 }
 
+std::string_view ClockStamp::text(const timeval &tv) {
+  if (tv.tv_sec != second_) {
+    tm parts{};
+    if (utc_) {
+      gmtime_r(&tv.tv_sec, &parts);
+    } else {
+      localtime_r(&tv.tv_sec, &parts);
+    }
+    second_len_ = strftime(text_, sizeof text_ - 6, format_, &parts);
+    second_ = tv.tv_sec;
+  }
+  const long ms = static_cast<long>(tv.tv_usec / 1000);
+  char *p = text_ + second_len_;
+  *p++ = '.';
+  *p++ = static_cast<char>('0' + ms / 100);
+  *p++ = static_cast<char>('0' + ms / 10 % 10);
+  *p++ = static_cast<char>('0' + ms % 10);
+  if (suffix_ != '\0') *p++ = suffix_;
+  return {text_, static_cast<size_t>(p - text_)};
+}
+
 BoundedLog::BoundedLog(std::string path, size_t max_bytes, size_t batch_bytes)
     : path_(std::move(path)), max_bytes_(max_bytes), batch_bytes_(batch_bytes) {
   std::lock_guard lock(mu_);
