@@ -322,28 +322,6 @@ TEST_F(QcciSimTest, SarInstanceTimeoutAndRefusal) {
   qmi_client_release(h);
 }
 
-TEST_F(QcciSimTest, SeveralClientsAtOnce) {
-  start();
-  constexpr int kClients = 4;
-  constexpr int kRounds = 40;
-  std::vector<std::future<int>> clients;
-  for (int c = 0; c < kClients; ++c) {
-    clients.push_back(std::async(std::launch::async, [c] {
-      qmi_client_type h = open_extend();
-      if (h == nullptr) return -1;
-      int good = 0;
-      const auto item = static_cast<uint16_t>(7000 + c);
-      for (int r = 0; r < kRounds; ++r) {
-        const std::string value = "client" + std::to_string(c) + "-" + std::to_string(r);
-        good += nv_write(h, item, value) == 0 && nv_value(h, item) == value;
-      }
-      qmi_client_release(h);
-      return good;
-    }));
-  }
-  for (auto &f : clients) EXPECT_EQ(f.get(), kRounds);
-}
-
 TEST_F(QcciSimTest, KillDuringWritesLosesNothingAcknowledged) {
   start();
   const std::string path = "/nv/item_files/test/versioned";
