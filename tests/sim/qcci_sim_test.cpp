@@ -53,21 +53,21 @@ int exchange(qmi_client_type h, uint32_t id, const Record &data, velmar_extend_q
                                   timeout_ms);
 }
 
-// Writes an NV item; the transport's error, or else the modem's result.
-int nv_write(qmi_client_type h, uint16_t item, const std::string &value) {
+// Sends an NV/EFS record; the transport's error, or else the modem's result.
+int nv_efs_result(qmi_client_type h, const Record &record) {
   velmar_extend_qmi_msg_v01 resp;
-  const int rc = exchange(
-      h, 2, nv_efs(2, 0, item, "", static_cast<uint32_t>(value.size()), 0, 0, value), &resp);
+  const int rc = exchange(h, 2, record, &resp);
   return rc != 0 ? rc : static_cast<int>(get(resp.data + 16));
 }
 
-// Sends one EFS write chunk; the transport's error, or else the modem's result.
+int nv_write(qmi_client_type h, uint16_t item, const std::string &value) {
+  return nv_efs_result(h, nv_efs(2, 0, item, "", static_cast<uint32_t>(value.size()), 0, 0, value));
+}
+
 int efs_chunk(qmi_client_type h, const std::string &path, uint32_t all, uint32_t cur,
               const std::string &chunk) {
-  velmar_extend_qmi_msg_v01 resp;
-  const int rc = exchange(
-      h, 2, nv_efs(5, 0, 0, path, all, static_cast<uint32_t>(chunk.size()), cur, chunk), &resp);
-  return rc != 0 ? rc : static_cast<int>(get(resp.data + 16));
+  return nv_efs_result(h,
+                       nv_efs(5, 0, 0, path, all, static_cast<uint32_t>(chunk.size()), cur, chunk));
 }
 
 // Writes a whole EFS file as the product does: 414-byte chunks.
