@@ -1,11 +1,7 @@
 // The host platform and the simulated modem on a bad day: a modem that cannot
 // start, a daemon that vanishes, a state directory that goes wrong.
-#include <fcntl.h>
 #include <qmi_client.h>
 #include <signal.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -26,23 +22,16 @@ namespace fs = std::filesystem;
 const std::string kBuildDir = fs::path(RPK_SIM_TEST_BINARY).parent_path().string();
 
 struct Outcome {
-  int status = -1;  // exit status, or 128 + the signal that ended it
+  int status = -1;
   std::string out, err;
 };
 
-// Runs a shell command line (with `timeout` as the hang guard) and collects
-// what it printed.
+// Runs `env` with the settings and command line (with `timeout` as the hang
+// guard) and collects what it printed.
 Outcome run(const std::string &env_and_command, const std::string &scratch) {
   const std::string err_file = scratch + "/stderr.txt";
-  const std::string cmd = "env " + env_and_command + " 2>" + err_file;
   Outcome r;
-  FILE *p = popen(cmd.c_str(), "r");
-  if (p == nullptr) return r;
-  char buf[4096];
-  size_t n;
-  while ((n = fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
-  const int st = pclose(p);
-  r.status = WIFEXITED(st) ? WEXITSTATUS(st) : 128 + WTERMSIG(st);
+  r.status = sh("env " + env_and_command + " 2>" + err_file, &r.out);
   rpk_host::read_file(err_file, r.err);
   return r;
 }

@@ -1,6 +1,7 @@
 #include "sim_fixture.h"
 
 #include <stdlib.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -43,17 +44,20 @@ Record common(uint32_t t, const std::vector<uint32_t> &v, uint32_t kind) {
   return r;
 }
 
-int sim(const std::string &args, std::string *out) {
-  const std::string cmd = std::string(RPK_SIM_TEST_BINARY) + " " + args;
-  FILE *p = popen(cmd.c_str(), "r");
+int sh(const std::string &command, std::string *out) {
+  FILE *p = popen(command.c_str(), "r");
   if (p == nullptr) return -1;
   char buf[4096];
   size_t n;
   while ((n = fread(buf, 1, sizeof buf, p)) > 0) {
     if (out != nullptr) out->append(buf, n);
   }
-  int status = pclose(p);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  const int status = pclose(p);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+int sim(const std::string &args, std::string *out) {
+  return sh(std::string(RPK_SIM_TEST_BINARY) + " " + args, out);
 }
 
 void SimTest::SetUp() {

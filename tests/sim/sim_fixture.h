@@ -22,8 +22,10 @@ Record nv_efs(uint8_t op, uint8_t sub, uint16_t item, const std::string &path = 
 // Request id 4 record: a common command (kind 2) of type t with its values.
 Record common(uint32_t t, const std::vector<uint32_t> &v, uint32_t kind = 2);
 
-// Runs the simulator's command line with this test's state directory;
-// returns its exit status and, when asked, its stdout.
+// Runs a shell command line; returns its exit status (128 + the signal that
+// ended it) and, when asked, its stdout.
+int sh(const std::string &command, std::string *out = nullptr);
+// The same for the simulator's command line, with this test's state directory.
 int sim(const std::string &args, std::string *out = nullptr);
 
 class SimTest : public testing::Test {
