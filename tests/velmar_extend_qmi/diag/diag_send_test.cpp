@@ -76,32 +76,23 @@ TEST_F(DiagSend, SessionCountsOpensAndOneCloseEndsIt) {
   EXPECT_EQ(fake_diag_calls(), (Calls{"init", "deinit"}));
 }
 
+// Masks 0, 0x05 and 0x40 are pinned end to end; 0x3C names its lowest bit and
+// registers each of four processors with its own number as context.
 TEST_F(DiagSend, RegistersThePrimaryAndEachRemoteProcessor) {
-  const struct {
-    uint16_t mask;
-    std::string name;
-    std::vector<int> procs;
-  } cases[] = {
-      {0x00, "", {}},
-      {0x05, " APSS", {1, 3}},  // only the lowest bit is named
-      {0x40, "", {7}},          // no name above bit 5, still registered
-      {0x3C, " LPASS", {3, 4, 5, 6}},
-  };
-  for (const auto &c : cases) {
-    fake_diag_reset().remote_mask = c.mask;
-    const std::string out = mask_log_lines(capture_stdout(
-        [] { velmar_diag_register_callback(velmar_diag_cmd_response_by_callback); }));
-    EXPECT_THAT(out, HasSubstr("register call back, g_diag_channel = [0]MSM, data_primary = 0, "
-                               "remote_mask = [" +
-                               std::to_string(c.mask) + "]" + c.name + "\n"));
-    EXPECT_EQ(fake_diag().remote_procs, c.procs) << c.mask;
-    for (int p : c.procs) {
-      EXPECT_THAT(out, HasSubstr("register remote call back, data_remote = " + std::to_string(p)));
-    }
-    EXPECT_EQ(fake_diag_calls(), (Calls{"register_callback"}));
+  fake_diag().remote_mask = 0x3C;
+  const std::string out = mask_log_lines(
+      capture_stdout([] { velmar_diag_register_callback(velmar_diag_cmd_response_by_callback); }));
+  EXPECT_THAT(out, HasSubstr("register call back, g_diag_channel = [0]MSM, data_primary = 0, "
+                             "remote_mask = [60] LPASS\n"));
+  EXPECT_EQ(fake_diag().remote_procs, (std::vector<int>{3, 4, 5, 6}));
+  for (int p : {3, 4, 5, 6}) {
+    EXPECT_THAT(out, HasSubstr("register remote call back, data_remote = " + std::to_string(p)));
   }
+  EXPECT_EQ(fake_diag_calls(), (Calls{"register_callback"}));
 }
 
+// 50 and 3000 ms, and 0 ms in DCI mode, are pinned end to end; these are the
+// bounds.
 TEST_F(DiagSend, TimeLimitsBecomeTicks) {
   const struct {
     Mode mode;
@@ -109,13 +100,8 @@ TEST_F(DiagSend, TimeLimitsBecomeTicks) {
     std::string line;
   } cases[] = {
       {Mode::kCallback, 0, "Command time = 30 * 100ms"},  // invalid: 3000 ms
-      {Mode::kCallback, 50, "Command time = 0 * 100ms"},
-      {Mode::kCallback, 3000, "Command time = 30 * 100ms"},
       {Mode::kCallback, 60000, "Command time = 600 * 100ms"},
       {Mode::kCallback, 60001, "Command time = 30 * 100ms"},
-      {Mode::kDci, 0, "Dci Command time = 0"},  // no validation in DCI mode
-      {Mode::kDci, 50, "Dci Command time = 0"},
-      {Mode::kDci, 3000, "Dci Command time = 30"},
       {Mode::kDci, 60000, "Dci Command time = 600"},
       {Mode::kDci, 60001, "Dci Command time = 600"},
   };
@@ -131,6 +117,8 @@ TEST_F(DiagSend, TimeLimitsBecomeTicks) {
   }
 }
 
+// 4196 and 8192 bytes in pieces, 12000 by callback and no answer at all are
+// pinned end to end.
 TEST_F(DiagSend, ResponseSizesAndPieces) {
   const struct {
     Mode mode;
@@ -142,16 +130,11 @@ TEST_F(DiagSend, ResponseSizesAndPieces) {
       {Mode::kCallback, {fake_response(4096)}, 0, 4096},
       {Mode::kCallback, {fake_response(10240)}, 0, 10240},
       {Mode::kCallback, {fake_response(10241)}, 1, 0},  // refused by the check: time-out
-      {Mode::kCallback, {fake_response(12000)}, 1, 0},
       {Mode::kDci, {fake_response(1)}, 0, 1},
-      {Mode::kDci, fake_pieces(4196, 4096), 0, 4196},  // the short piece posts
-      {Mode::kDci, fake_pieces(8192, 4096), 0, 8192},  // success by the length rule
       {Mode::kDci, {fake_response(4096)}, 0, 4096},
       {Mode::kDci, fake_pieces(10240, 4096), 0, 10240},
       {Mode::kDci, fake_pieces(10241, 4096), 0, 10240},  // cut to the capacity
       {Mode::kDci, fake_pieces(12000, 4096), 0, 10240},
-      {Mode::kCallback, {}, 1, 0},  // no answer at all
-      {Mode::kDci, {}, 1, 0},
   };
   for (const auto &c : cases) {
     size_t total = 0;
@@ -163,7 +146,7 @@ TEST_F(DiagSend, ResponseSizesAndPieces) {
     ASSERT_EQ(s.reply.size(), c.copied) << what;
     const std::vector<uint8_t> whole = fake_response(total);
     EXPECT_TRUE(std::equal(s.reply.begin(), s.reply.end(), whole.begin())) << what;
-    const bool by_length = c.pieces.size() > 0 && total % 4096 == 0 && c.mode == Mode::kDci;
+    const bool by_length = total % 4096 == 0 && c.mode == Mode::kDci;
     EXPECT_EQ(s.out.find("length is times of 4096") != std::string::npos, by_length) << what;
     EXPECT_EQ(
         s.out.find("RIL[velmar_diag_cmd_send_with_result_wait_thread_proc:N]: stop waiting\n") !=
@@ -207,15 +190,6 @@ TEST_F(DiagSend, CallbackModeSwitchesLoggingAroundTheSend) {
   EXPECT_EQ(send_with_result(Mode::kCallback, {0x1C}, 3000).rc, 0);
   EXPECT_EQ(fake_diag_calls(), (Calls{"init", "register_callback", "switch_logging 6",
                                       "callback_send 0", "switch_logging 1", "deinit"}));
-}
-
-TEST_F(DiagSend, LibraryThatCannotOpenFailsTheSendAtOnce) {
-  fake_diag().init_ok = false;
-  const Sent s = send_with_result(Mode::kCallback, {0x1C}, 3000);
-  EXPECT_EQ(s.rc, 1);
-  EXPECT_THAT(s.out, HasSubstr("LSM init failed\n"));
-  EXPECT_THAT(s.out, HasSubstr("Fail to send diag cmd\n"));
-  EXPECT_EQ(g_diag_init_status, 0);
 }
 
 // Every DCI set-up step failing in turn: what runs, and that the session is
@@ -303,9 +277,6 @@ TEST_F(DiagSend, CommandLine) {
     int32_t rc;
     std::vector<std::string> lines;
   } cases[] = {
-      {{"rpk", "5", "0", "0", "0", "3000"},
-       0,
-       {"\nnote: Too few inputs, Pls refer to the following cmd:\n"}},
       {{"rpk", "5", "0", "0", "0", "3000", "300", "0x4b"},
        0,
        {"diag cmd:\n0x2C 0x4B \ncallback mode with result\n",
@@ -313,9 +284,6 @@ TEST_F(DiagSend, CommandLine) {
       {{"rpk", "5", "0", "1", "0", "x", "0x1C"},
        0,
        {"dci mode with result\n", "Dci Command time = 0\n"}},
-      {{"rpk", "5", "0", "0", "1", "3000", "0x1C"},
-       0,
-       {"callback mode without result\n", "\ndone without rsp data\n"}},
       {{"rpk", "5", "0", "2", "9", "3000", "0x1C"},
        0,
        {"dci mode without result\n", "\ndone without rsp data\n"}},
