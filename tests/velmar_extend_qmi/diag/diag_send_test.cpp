@@ -21,6 +21,22 @@ using testing::Not;
 
 using Calls = std::vector<std::string>;
 
+const Calls kCallbackCalls = {
+    "init",  "register_callback", "switch_logging 6", "callback_send 0", "switch_logging 1",
+    "deinit"};
+
+// A DCI exchange through its first `steps` set-up steps: the session is closed
+// before the client is released, and a client never registered is not released.
+Calls dci_calls(size_t steps) {
+  static const char *const kSteps[] = {"register_dci", "signal 7", "support", "stream",
+                                       "async 16384"};
+  Calls calls{"init"};
+  calls.insert(calls.end(), kSteps, kSteps + steps);
+  calls.push_back("deinit");
+  if (steps > 1) calls.push_back("release 7");
+  return calls;
+}
+
 enum class Mode { kCallback, kDci };
 
 struct Sent {
@@ -143,6 +159,7 @@ TEST_F(DiagSend, ResponseSizesAndPieces) {
     const Sent s = send_with_result(c.mode, {0x4B, 0x04, 0x0E, 0x00}, 50);
     const std::string what = std::to_string(static_cast<int>(c.mode)) + "/" + std::to_string(total);
     EXPECT_EQ(s.rc, c.rc) << what;
+    EXPECT_EQ(fake_diag_calls(), c.mode == Mode::kCallback ? kCallbackCalls : dci_calls(5)) << what;
     ASSERT_EQ(s.reply.size(), c.copied) << what;
     const std::vector<uint8_t> whole = fake_response(total);
     EXPECT_TRUE(std::equal(s.reply.begin(), s.reply.end(), whole.begin())) << what;
@@ -185,44 +202,26 @@ TEST_F(DiagSend, RequestLengths) {
   EXPECT_TRUE(fake_diag_calls().empty());
 }
 
-TEST_F(DiagSend, CallbackModeSwitchesLoggingAroundTheSend) {
-  fake_diag().pieces = {fake_response(3)};
-  EXPECT_EQ(send_with_result(Mode::kCallback, {0x1C}, 3000).rc, 0);
-  EXPECT_EQ(fake_diag_calls(), (Calls{"init", "register_callback", "switch_logging 6",
-                                      "callback_send 0", "switch_logging 1", "deinit"}));
-}
-
-// Every DCI set-up step failing in turn: what runs, and that the session is
-// closed before the client is released (never released when not registered).
+// Every DCI set-up step failing in turn: what runs, and in which order the
+// exchange is torn down.
 TEST_F(DiagSend, DciSetupFailuresTearDownInOrder) {
   const struct {
     int FakeDiag::*rc;
     std::string line;
-    Calls calls;
+    size_t steps;
   } cases[] = {
-      {&FakeDiag::register_rc,
-       "Could not register with DCI, err: 1002, errno: ",
-       {"init", "register_dci", "deinit"}},
-      {&FakeDiag::signal_rc,
-       "Could not register signal for DCI Data for ch:0, err: 1002",
-       {"init", "register_dci", "signal 7", "deinit", "release 7"}},
-      {&FakeDiag::support_rc,
-       "Could not get support list for ch 0, err: 1002",
-       {"init", "register_dci", "signal 7", "support", "deinit", "release 7"}},
-      {&FakeDiag::stream_rc,
-       "Unable to register DCI stream for ch:0, err: 1002",
-       {"init", "register_dci", "signal 7", "support", "stream", "deinit", "release 7"}},
-      {&FakeDiag::async_rc,
-       "Error sending SEND_REQUEST_ASYNC to peripheral 1002 for ch:0",
-       {"init", "register_dci", "signal 7", "support", "stream", "async 16384", "deinit",
-        "release 7"}},
+      {&FakeDiag::register_rc, "Could not register with DCI, err: 1002, errno: ", 1},
+      {&FakeDiag::signal_rc, "Could not register signal for DCI Data for ch:0, err: 1002", 2},
+      {&FakeDiag::support_rc, "Could not get support list for ch 0, err: 1002", 3},
+      {&FakeDiag::stream_rc, "Unable to register DCI stream for ch:0, err: 1002", 4},
+      {&FakeDiag::async_rc, "Error sending SEND_REQUEST_ASYNC to peripheral 1002 for ch:0", 5},
   };
   for (const auto &c : cases) {
     fake_diag_reset().*c.rc = 1002;
     const Sent s = send_with_result(Mode::kDci, {0x1C}, 3000);
     EXPECT_EQ(s.rc, 1) << c.line;
     EXPECT_THAT(s.out, HasSubstr(c.line));
-    EXPECT_THAT(fake_diag_calls(), ElementsAreArray(c.calls));
+    EXPECT_THAT(fake_diag_calls(), ElementsAreArray(dci_calls(c.steps)));
 
     // The worker carries the same sequence.
     fake_diag_reset().*c.rc = 1002;
@@ -230,7 +229,7 @@ TEST_F(DiagSend, DciSetupFailuresTearDownInOrder) {
     const std::string out = send_without_result(1, {0x1C}, &rc);
     EXPECT_EQ(rc, 0);
     EXPECT_THAT(out, HasSubstr(c.line));
-    EXPECT_THAT(fake_diag_calls(), ElementsAreArray(c.calls));
+    EXPECT_THAT(fake_diag_calls(), ElementsAreArray(dci_calls(c.steps)));
   }
 }
 
@@ -248,14 +247,8 @@ TEST_F(DiagSend, WorkersPickTheirChannelByWorkMode) {
     Calls calls;
     std::string handler_line;
   } cases[] = {
-      {0,
-       {"init", "register_callback", "switch_logging 6", "callback_send 0", "switch_logging 1",
-        "deinit"},
-       "RIL[velmar_diag_cmd_response_by_callback_no_handle:N]: len = 3\n"},
-      {7,
-       {"init", "register_dci", "signal 7", "support", "stream", "async 16384", "deinit",
-        "release 7"},
-       "RIL[velmar_diag_cmd_response_by_dci_no_handle:N]: len = 3\n"},
+      {0, kCallbackCalls, "RIL[velmar_diag_cmd_response_by_callback_no_handle:N]: len = 3\n"},
+      {7, dci_calls(5), "RIL[velmar_diag_cmd_response_by_dci_no_handle:N]: len = 3\n"},
   };
   for (const auto &c : cases) {
     fake_diag_reset().pieces = {fake_response(3)};
@@ -269,36 +262,29 @@ TEST_F(DiagSend, WorkersPickTheirChannelByWorkMode) {
   }
 }
 
+// What the handler reads from the command line that the e2e cases do not show:
+// a value cut to its byte, a time that is not a number, and work mode 2.
 TEST_F(DiagSend, CommandLine) {
-  std::vector<std::string> too_many = {"rpk", "5", "0", "0", "0", "3000"};
-  for (int i = 0; i < 4097; ++i) too_many.push_back("1");
   const struct {
     std::vector<std::string> args;
-    int32_t rc;
     std::vector<std::string> lines;
   } cases[] = {
       {{"rpk", "5", "0", "0", "0", "3000", "300", "0x4b"},
-       0,
        {"diag cmd:\n0x2C 0x4B \ncallback mode with result\n",
         "\nrsp data len(3)\nrsp data: 0x4B 0x01 0x02\n"}},
       {{"rpk", "5", "0", "1", "0", "x", "0x1C"},
-       0,
        {"dci mode with result\n", "Dci Command time = 0\n"}},
       {{"rpk", "5", "0", "2", "9", "3000", "0x1C"},
-       0,
        {"dci mode without result\n", "\ndone without rsp data\n"}},
-      {too_many, 1, {"Invalid input parameter, data_len = 4097\n", "velmar_diag_cmd_send fail\n"}},
   };
   for (const auto &c : cases) {
     fake_diag_reset().pieces = {fake_response(3)};
     std::string out;
     const int32_t rc = run_handler(velmar_cmn_diag_cmd_send, c.args, &out);
     velmar_diag_wait_for_workers();
-    EXPECT_EQ(rc, c.rc) << c.args.size();
+    EXPECT_EQ(rc, 0) << c.args.size();
     for (const auto &line : c.lines) EXPECT_THAT(out, HasSubstr(line));
-    if (c.rc == 0) {
-      EXPECT_THAT(out, Not(HasSubstr("velmar_diag_cmd_send fail")));
-    }
+    EXPECT_THAT(out, Not(HasSubstr("velmar_diag_cmd_send fail")));
   }
 }
 
