@@ -9,11 +9,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include "front/velmar_handlers.h"
 #include "front/velmar_qmi_test_cmn.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace {
 
@@ -76,13 +76,6 @@ ChildRun run_with_interrupted_wait(const std::string &state, int (*body)()) {
   return run;
 }
 
-std::string read_properties(const std::string &state) {
-  std::ifstream in(state + "/properties");
-  std::ostringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
-}
-
 TEST(VelmarCmnTestSsrWaitS, WaitsAsThePropertySaysANegativeValueUntilASignal) {
   const struct {
     const char *wait_prop;  // nullptr: unset
@@ -125,7 +118,9 @@ TEST(VelmarCmnTestSsrWaitS, WaitsAsThePropertySaysANegativeValueUntilASignal) {
     EXPECT_EQ(run.out, c.out) << label;
     EXPECT_EQ(run.exit_status, c.exit_status) << label;
     EXPECT_EQ(run.slept, c.sleeps) << label;
-    EXPECT_EQ(read_properties(state), c.properties_after) << label;
+    std::string properties;
+    rpk_host::read_file(state + "/properties", properties);
+    EXPECT_EQ(properties, c.properties_after) << label;
     std::filesystem::remove_all(state);
   }
 }
