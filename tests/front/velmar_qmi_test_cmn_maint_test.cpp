@@ -1,6 +1,5 @@
-// Category 5 command lines refused before any request, and the restart's wait,
-// whose negative value sleeps until a signal ends it.
-#include <cutils/properties.h>
+// Category 5: the restart's wait, whose negative value sleeps until a signal
+// ends it (a wait of 0 is pinned end to end).
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
@@ -10,52 +9,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "front/velmar_handlers.h"
 #include "front/velmar_qmi_test_cmn.h"
-#include "support/run_handler.h"
+#include "platform/host/link/rpk_host.h"
 
 namespace {
-
-TEST(VelmarTestCmnDo, RefusalsPrintANoteAndTheSection) {
-  const std::string argc_error = "\nnote: Error happen! error_code(268431370)\n";
-  auto need = [](int n) {
-    return "\nnote: need " + std::to_string(n) + " inputs, Pls refer to the following cmd:\n";
-  };
-  const std::string few = "\nnote: Too few parameters, Pls refer to the following cmd:\n";
-  const std::string invalid =
-      "\nnote: the second parameters is invalid, Pls refer to the following cmd:\n";
-  const std::string query = "velmar_cmn_card_status_query\n";
-  const std::string get = "velmar_cmn_card_status_get\n";
-  const std::string set = "velmar_cmn_card_status_set\n";
-  const std::string type = "velmar_cmn_card_type_query\n";
-  const struct {
-    std::vector<std::string> args;
-    std::string before_help;
-  } cases[] = {
-      {{"rpk"}, few},
-      {{"rpk", "5"}, few},
-      {{"rpk", "4", "1"},
-       "\nnote: the first parameters should be 5, Pls refer to the following cmd:\n"},
-      {{"rpk", "5", "9"}, invalid},
-      {{"rpk", "5abc", "9"}, invalid},
-      {{"rpk", "5", "-1"}, invalid},
-      {{"rpk", "5", "1", "0"}, query + need(3) + argc_error},
-      {{"rpk", "5", "2"}, get + need(4) + argc_error},
-      {{"rpk", "5", "2", "0", "1"}, get + need(4) + argc_error},
-      {{"rpk", "5", "3", "1", "0"}, set + need(6) + argc_error},
-      {{"rpk", "5", "3", "1", "0", "1", "1"}, set + need(6) + argc_error},
-      {{"rpk", "5", "4", "x"}, type + need(3) + argc_error},
-  };
-  for (const auto &c : cases) {
-    std::string out;
-    run_handler(velmar_test_cmn_do, c.args, &out);
-    EXPECT_EQ(out, c.before_help + help_text(5)) << testing::PrintToString(c.args);
-  }
-}
 
 struct ChildRun {
   std::string out;
@@ -116,13 +76,6 @@ ChildRun run_with_interrupted_wait(const std::string &state, int (*body)()) {
   return run;
 }
 
-std::string read_properties(const std::string &state) {
-  std::ifstream in(state + "/properties");
-  std::ostringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
-}
-
 TEST(VelmarCmnTestSsrWaitS, WaitsAsThePropertySaysANegativeValueUntilASignal) {
   const struct {
     const char *wait_prop;  // nullptr: unset
@@ -152,8 +105,6 @@ TEST(VelmarCmnTestSsrWaitS, WaitsAsThePropertySaysANegativeValueUntilASignal) {
       {nullptr, velmar_cmn_test_ssr_wait_s,
        "ssr wait_s = 3\nmodem ssr start to wait 3s to init\nmodem ssr end to wait 3s to init\n", 3,
        true, ""},
-      {"0", velmar_cmn_test_ssr_wait_s, "ssr wait_s = 0\nmodem ssr will not wait\n", 0, false,
-       "persist.radio.ssr_wait_s=0\n"},
   };
   for (const auto &c : cases) {
     const std::string label = c.wait_prop != nullptr ? c.wait_prop : "unset";
@@ -167,7 +118,9 @@ TEST(VelmarCmnTestSsrWaitS, WaitsAsThePropertySaysANegativeValueUntilASignal) {
     EXPECT_EQ(run.out, c.out) << label;
     EXPECT_EQ(run.exit_status, c.exit_status) << label;
     EXPECT_EQ(run.slept, c.sleeps) << label;
-    EXPECT_EQ(read_properties(state), c.properties_after) << label;
+    std::string properties;
+    rpk_host::read_file(state + "/properties", properties);
+    EXPECT_EQ(properties, c.properties_after) << label;
     std::filesystem::remove_all(state);
   }
 }

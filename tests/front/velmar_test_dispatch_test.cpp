@@ -36,6 +36,12 @@ TEST(CategoryTable, SortedUniqueAndEachRowHasItsHelpSection) {
   }
 }
 
+TEST(CategoryTable, ANumberWithoutARowPrintsTheFrameAlone) {
+  for (uint32_t n : {2u, 10u, 11u, 16u, 0x80000000u}) {
+    EXPECT_EQ(capture_stdout([n] { show_help(n); }), framed("")) << n;
+  }
+}
+
 TEST(CategoryTable, FullHelpIsEveryRowInOrder) {
   std::string sections;
   for (const auto &row : velmar_categories()) sections += capture_stdout(row.help);

@@ -1,6 +1,5 @@
-// Category 1: the command lines refused before any request, how backups and
-// restores read their flag, and their time limits, which only a modem that
-// answers late can show (support/fake_qmi_service.h plays that modem).
+// Category 1: how backups and restores read their flag, and their time limits, which only a modem
+// that answers late can show (support/fake_qmi_service.h plays that modem).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,36 +8,10 @@
 #include <vector>
 
 #include "front/velmar_handlers.h"
-#include "front/velmar_test_dispatch.h"
 #include "support/fake_qmi_service.h"
 #include "support/run_handler.h"
 
 namespace {
-
-struct CmdCase {
-  std::vector<std::string> args;
-  std::string before_help;
-  uint32_t help;  // the section shown
-};
-
-TEST(VelmarTestNvDo, RefusalsPrintTheirLineAndAHelp) {
-  const std::string too_few = "There are no enough parameters!\n";
-  const CmdCase cases[] = {
-      {{"rpk", "1"}, too_few, 1},
-      {{"rpk", "1", "4"}, too_few, 1},
-      {{"rpk", "1", "4", "123456"}, "invalid nv id!\n", 1},
-      {{"rpk", "1", "5"}, "cmd:5 not supported \n", 1},
-      {{"rpk", "1", "x2"}, "cmd:x2 not supported \n", 1},
-      {{"rpk", "1", ""}, "cmd: not supported \n", 1},
-      // main routes "01" to category 1 by atoi; the handler wants a leading '1'.
-      {{"rpk", "01", "1"}, "cmd not support \n", 0},
-  };
-  for (const auto &c : cases) {
-    std::string out;
-    run_handler(velmar_main, c.args, &out);
-    EXPECT_EQ(out, c.before_help + help_text(c.help)) << testing::PrintToString(c.args);
-  }
-}
 
 uint32_t word(const velmar_extend_qmi_msg_v01 &env, size_t at) {
   uint32_t v = 0;

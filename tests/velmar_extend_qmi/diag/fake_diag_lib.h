@@ -10,9 +10,7 @@
 #include <vector>
 
 struct FakeDiag {
-  bool init_ok = true;
   uint16_t remote_mask = 0;
-  int send_rc = 0;  // diag_callback_send_data
   int register_rc = 1001, signal_rc = 1001, support_rc = 1001, stream_rc = 1001, async_rc = 1001;
   uint16_t support_list = 0x02;
   std::vector<std::vector<uint8_t>> pieces;  // the response as handed over; none: no answer
