@@ -1,7 +1,6 @@
 // Golden packets of the NR5G log parsers. Payloads are drawn field by field
 // (P+n = payload byte n, the version word at P+0); everything not drawn is 0.
 // Versions that share a layout share a vector, run once under each.
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -21,11 +20,7 @@ golden_payload fill(golden_payload p, size_t from, size_t to, uint8_t v) {
 }
 golden_record rec(uint32_t version) { return golden_record().u32(version); }
 std::string v(uint32_t version) { return "version = " + std::to_string(version) + ", "; }
-std::string hex(uint32_t version) {
-  char s[16];
-  std::snprintf(s, sizeof s, "v0x%x", version);
-  return s;
-}
+std::string hex(uint32_t version) { return golden_fmt("v0x%x", version); }
 
 const char *const B872 = "modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb";
 const char *const B884 = "modem_stats_parse_b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl";
@@ -42,32 +37,18 @@ const char *const B981 = "modem_stats_parse_b981_diag_log_nr5g_ml1_fc_informatio
 // The same serving cell at each version's positions:
 //   pci 501 | dl_arfcn 627264 | cgi 0x123456789a | mcc 310 | mnc_num 3 | mnc 260
 //   tac 0xabcdef | band 77
-golden_payload b823_cell(uint32_t version, int pci, int arfcn, int cgi, int mcc, int mnc_num,
-                         int mnc, int tac, int band) {
-  return pkt(version)
-      .le(pci, 501, 2)
-      .le(arfcn, 627264, 4)
-      .le(cgi, 0x123456789a, 8)
-      .le(mcc, 310, 2)
-      .le(mnc_num, 3, 1)
-      .le(mnc, 260, 2)
-      .le(tac, 0xabcdef, 4)
-      .le(band, 77, 2);
-}
-golden_record b823_record(uint32_t version) {
-  return rec(version)
-      .u(501, 2)
-      .u(627264, 4)
-      .u(0x123456789a, 8)
-      .u(310, 2)
-      .u(3, 1)
-      .u(260, 2)
-      .u(0xabcdef, 4)
-      .u(77, 2);
-}
-
 // The vectors are laid out as tables, one drawing per line where it fits.
 // clang-format off
+golden_payload b823_cell(uint32_t version, int pci, int arfcn, int cgi, int mcc, int mnc_num,
+                         int mnc, int tac, int band) {
+  return pkt(version).le(pci, 501, 2).le(arfcn, 627264, 4).le(cgi, 0x123456789a, 8)
+      .le(mcc, 310, 2).le(mnc_num, 3, 1).le(mnc, 260, 2).le(tac, 0xabcdef, 4).le(band, 77, 2);
+}
+golden_record b823_record(uint32_t version) {
+  return rec(version).u(501, 2).u(627264, 4).u(0x123456789a, 8).u(310, 2).u(3, 1).u(260, 2)
+      .u(0xabcdef, 4).u(77, 2);
+}
+
 std::vector<modem_stats_golden> make() {
   std::vector<modem_stats_golden> g;
 
