@@ -97,7 +97,6 @@ R srv_meas_record(int sub_version, int earfcn, int pci, int serving, int rx_vali
   return r;
 }
 
-
 // ---- IMS ---------------------------------------------------------------------------
 
 G ims_rtp() {
