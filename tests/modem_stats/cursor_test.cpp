@@ -62,23 +62,18 @@ TEST(ModemStatsCursor, ByteReadsCheckInOrderAndMove) {
   }
 }
 
+// The golden packets pin the refusal line from a zero count; here the count
+// goes on across packets, and an accepted version leaves it alone.
 TEST(ModemStatsCursor, VersionGateCountsAcrossPackets) {
   const uint32_t accepted[] = {163};
   const uint64_t before = not_support_num;
-  Packet p;
-  EXPECT_TRUE(modem_stats_version_gate(163, accepted, "parser"));
-  const std::string first = capture_stdout([&] {
-    EXPECT_FALSE(modem_stats_version_gate(0xA2, accepted, "modem_stats_parse_b14e_diag_log"));
-  });
-  EXPECT_EQ(first, "VERSION_NOT_SUPPORT, version(162), not_support_num(" +
-                       std::to_string(before + 1) +
-                       "), name(modem_stats_parse_b14e_diag_log), id(0xb14e)\n");
-  Packet next;
-  g_pk_data_id = 0x4179;
-  const std::string second =
-      capture_stdout([&] { EXPECT_FALSE(modem_stats_version_gate(9, accepted, "x")); });
-  EXPECT_EQ(second, "VERSION_NOT_SUPPORT, version(9), not_support_num(" +
-                        std::to_string(before + 2) + "), name(x), id(0x4179)\n");
+  for (uint64_t k = 1; k <= 2; ++k) {
+    Packet p;
+    EXPECT_TRUE(modem_stats_version_gate(163, accepted, "x"));
+    EXPECT_EQ(capture_stdout([&] { EXPECT_FALSE(modem_stats_version_gate(9, accepted, "x")); }),
+              "VERSION_NOT_SUPPORT, version(9), not_support_num(" + std::to_string(before + k) +
+                  "), name(x), id(0xb14e)\n");
+  }
 }
 
 TEST(ModemStatsCursor, BitFieldsFromTheBase) {
@@ -171,24 +166,11 @@ TEST(ModemStatsCursor, PackingChecksOnlyTheStart) {
             "MODEM_STATS_DATA_PK, g_pk_data_ptr is NULL, name: pci, id(0xb14e)\n");
 }
 
-TEST(ModemStatsCursor, RecordHoldsThePackedBytesAndBoundsItsLength) {
-  Packet p;
-  modem_stats_pk_begin();
-  modem_stats_pk("version", 163, 1);
-  modem_stats_pk("pci", 0x1234, 2);
-  modem_stats_pk_f32("rsrp", -140.0f);
-  uint32_t stat_id = 146;
-  modem_stats_single *rec = nullptr;
-  ASSERT_TRUE(modem_stats_pk_finish(84, &stat_id, &rec));
-  EXPECT_EQ(stat_id, 84u);
-  EXPECT_EQ(rec->stat_id, 84u);
-  EXPECT_EQ(std::vector<uint8_t>(rec->data, rec->data + rec->data_len),
-            (std::vector<uint8_t>{0xA3, 0x34, 0x12, 0x00, 0x00, 0x0C, 0xC3}));
-  modem_stats_free_single(rec);
-
+// What a record holds is pinned by the golden packets; here its length bounds.
+TEST(ModemStatsCursor, RecordLengthIsBounded) {
   for (int32_t len : {0, -1, 701, 1, 700}) {
     SCOPED_TRACE(len);
-    rec = nullptr;
+    modem_stats_single *rec = nullptr;
     const bool ok = len >= 1 && len <= 700;
     const std::string out =
         capture_stdout([&] { EXPECT_EQ(modem_stats_new_single_ex(7, len, &rec), ok); });

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,18 +25,14 @@ class golden_payload {
   // `width` bits of `value` at payload bit `bit` (bit k of byte n is bit 8n + k).
   golden_payload &bits(int bit, uint64_t value, int width) {
     for (int i = 0; i < width; ++i) {
-      const int at = bit + i;
-      const auto mask = static_cast<uint8_t>(1u << (at % 8));
-      if ((value >> i) & 1) {
-        b_.at(at / 8) |= mask;
-      } else {
-        b_.at(at / 8) &= static_cast<uint8_t>(~mask);
-      }
+      uint8_t &b = b_.at((bit + i) / 8);
+      const auto mask = static_cast<uint8_t>(1u << ((bit + i) % 8));
+      b = static_cast<uint8_t>((value >> i) & 1 ? b | mask : b & ~mask);
     }
     return *this;
   }
   golden_payload &text(size_t at, const std::string &s) {
-    for (size_t i = 0; i < s.size(); ++i) b_.at(at + i) = static_cast<uint8_t>(s[i]);
+    for (size_t i = 0; i < s.size(); ++i) le(at + i, static_cast<uint8_t>(s[i]), 1);
     return *this;
   }
   operator std::vector<uint8_t>() const { return b_; }
@@ -70,41 +67,40 @@ class golden_record {
 
 constexpr uint32_t kGoldenNoRecord = 146;
 
-inline std::string golden_refused(uint32_t version, const char *name, uint16_t code) {
-  char s[200];
-  std::snprintf(s, sizeof s,
-                "VERSION_NOT_SUPPORT, version(%u), not_support_num(1), name(%s), id(0x%x)\n",
-                version, name, code);
+// printf into a string, for the expected lines.
+template <typename... A>
+std::string golden_fmt(const char *format, A... args) {
+  char s[300];
+  std::snprintf(s, sizeof s, format, args...);
   return s;
 }
+inline std::string golden_refused(uint32_t version, const char *name, uint16_t code) {
+  return golden_fmt("VERSION_NOT_SUPPORT, version(%u), not_support_num(1), name(%s), id(0x%x)\n",
+                    version, name, code);
+}
 inline std::string golden_invalid(long value, const char *name, uint16_t code) {
-  char s[200];
-  std::snprintf(s, sizeof s, "DATA_IS_NOT_VALID(%ld), name(%s), id(0x%x)\n", value, name, code);
-  return s;
+  return golden_fmt("DATA_IS_NOT_VALID(%ld), name(%s), id(0x%x)\n", value, name, code);
+}
+
+// A log parser's code and the name its messages carry.
+inline std::pair<uint16_t, const char *> golden_parser(uint16_t code, const char *what) {
+  static std::deque<std::string> names;  // outlive the goldens that point at them
+  return {code,
+          names.emplace_back(golden_fmt("modem_stats_parse_%04x_diag_log_%s", code, what)).c_str()};
 }
 
 // A packet that prints `summary` and is then stopped by the validity gate with
 // `value`.
-inline modem_stats_golden golden_gated(uint16_t code, std::string what,
-                                       std::vector<uint8_t> payload, const std::string &summary,
-                                       long value, const char *name) {
-  return {code,
-          std::move(what),
-          std::move(payload),
-          summary + golden_invalid(value, name, code),
-          kGoldenNoRecord,
-          {}};
+inline modem_stats_golden golden_gated(uint16_t code, const std::string &what,
+                                       const std::vector<uint8_t> &payload,
+                                       const std::string &summary, long value, const char *name) {
+  return {code, what, payload, summary + golden_invalid(value, name, code), kGoldenNoRecord, {}};
 }
 // A packet a version gate refuses.
-inline modem_stats_golden golden_refusal(uint16_t code, std::string what,
-                                         std::vector<uint8_t> payload, uint32_t version,
+inline modem_stats_golden golden_refusal(uint16_t code, const std::string &what,
+                                         const std::vector<uint8_t> &payload, uint32_t version,
                                          const char *name) {
-  return {code,
-          std::move(what),
-          std::move(payload),
-          golden_refused(version, name, code),
-          kGoldenNoRecord,
-          {}};
+  return {code, what, payload, golden_refused(version, name, code), kGoldenNoRecord, {}};
 }
 
 // The canned 108-byte packet of the category-7 self-test; its first byte,

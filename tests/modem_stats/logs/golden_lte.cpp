@@ -1,7 +1,7 @@
 // Golden packets of the IMS, WCDMA, GSM and LTE log parsers. Each vector is
 // written from the packet layout drawn beside it; P+n is payload byte n, pb n
 // payload bit n. Refusals are counted from 0, so they print not_support_num(1).
-#include <cstdio>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -10,6 +10,9 @@
 
 namespace {
 
+// Packets and vectors are laid out as tables, one drawing per line where it fits.
+// clang-format off
+
 using G = std::vector<modem_stats_golden>;
 using P = golden_payload;
 using R = golden_record;
@@ -17,35 +20,30 @@ constexpr uint32_t kNone = kGoldenNoRecord;
 
 // A packet holding nothing but an unaccepted version byte.
 modem_stats_golden refusal(uint16_t code, int version, const char *name) {
-  // Appended, not chained with +: GCC 12 at -O3 misreads the chain as overlapping.
-  std::string what = "v";
-  what += std::to_string(version);
-  what += " refused";
-  return golden_refusal(code, what, P(1).le(0, version, 1), version, name);
+  return golden_refusal(code, golden_fmt("v%d refused", version), P(1).le(0, version, 1), version,
+                        name);
 }
 
 // Session packets: P+0 version | P+1 L1 | L1 bytes | direction | L2 | L2 bytes
 // call type(4) | L3 | L3 bytes | L4 | L4 bytes | cause(2) | delay(4) | rat, with
-// S = L1+L2+L3+L4 the cause sits at P+10+S.
+// S = L1+L2+L3+L4 the cause sits at P+10+S. Here: "123", direction 1, "ab",
+// call type 1, "sip:" (originating url), "xy" (terminating url), delay 1500, rat 3.
 P session_with_strings(int version, int cause) {
-  return P(40)
-      .le(0, version, 1)
-      .le(1, 3, 1)
-      .text(2, "123")
-      .le(5, 1, 1)  // direction
-      .le(6, 2, 1)
-      .text(7, "ab")
-      .le(9, 1, 4)   // call type
-      .le(13, 4, 1)  // originating_url_len
-      .text(14, "sip:")
-      .le(18, 2, 1)  // terminating_url_len
-      .text(19, "xy")
-      .le(21, cause, 2)
-      .le(23, 1500, 4)
-      .le(27, 3, 1);  // rat
+  return P(40).le(0, version, 1).le(1, 3, 1).text(2, "123").le(5, 1, 1).le(6, 2, 1).text(7, "ab")
+      .le(9, 1, 4).le(13, 4, 1).text(14, "sip:").le(18, 2, 1).text(19, "xy").le(21, cause, 2)
+      .le(23, 1500, 4).le(27, 3, 1);
 }
 P session_empty(int version, int cause, uint32_t delay, int rat) {
   return P(20).le(0, version, 1).le(10, cause, 2).le(12, delay, 4).le(16, rat, 1);
+}
+// A session packet's summary and record: version, direction, `cause` (result
+// or end_cause), call_setup_delay, rat and the two url lengths.
+modem_stats_golden session(uint16_t c, const char *what, P p, const char *cause, uint32_t stat_id,
+                           std::array<unsigned, 7> f) {
+  return {c, what, p, golden_fmt("version = %u, direction = %u, %s = %u, call_setup_delay = %u, "
+                                 "rat = %u, originating_url_len = %u, terminating_url_len = %u\n",
+                                 f[0], f[1], cause, f[2], f[3], f[4], f[5], f[6]),
+          stat_id, R().u8(f[0]).u8(f[1]).u16(f[2]).u32(f[3]).u8(f[4]).u8(f[5]).u8(f[6])};
 }
 
 // Serving cell measurements: P+0 1 | P+4 25 | P+5 sub-version | P+8 earfcn(4)
@@ -99,14 +97,10 @@ R srv_meas_record(int sub_version, int earfcn, int pci, int serving, int rx_vali
   return r;
 }
 
-// The vectors are laid out as tables, one drawing per line where it fits.
-// clang-format off
-
 // ---- IMS ---------------------------------------------------------------------------
 
 G ims_rtp() {
-  const uint16_t c = 0x1568;
-  const char *n = "modem_stats_parse_1568_diag_log_ims_rtp_sn_and_payload";
+  const auto [c, n] = golden_parser(0x1568, "ims_rtp_sn_and_payload");
   return {
       // P+0 version 13 | P+13 codec_type | P+22 frame_type; neighbours hold junk
       {c, "v13",
@@ -117,74 +111,61 @@ G ims_rtp() {
   };
 }
 
+// A SIP message packet: its summary and record carry direction, sdp_presence,
+// sip_call_id_len, sip_msg_len, sip_msg_logged_bytes and msg_id, then the call id.
+modem_stats_golden sip(uint16_t c, const char *what, P p, std::array<int, 6> f,
+                       const std::vector<uint8_t> &id) {
+  return {c, what, p, golden_fmt("version = 1, direction = %d, sdp_presence = %d, sip_call_id_len "
+                                 "= %d, sip_msg_len = %d, sip_msg_logged_bytes = %d, msg_id = %d\n",
+                                 f[0], f[1], f[2], f[3], f[4], f[5]),
+          116, R().u8(1).u8(f[0]).u8(f[1]).u8(f[2]).u16(f[3]).u16(f[4]).u16(f[5]).bytes(id)};
+}
+
 G ims_sip() {
-  const uint16_t c = 0x156e;
-  const char *n = "modem_stats_parse_156e_diag_log_ims_sip_message";
+  const auto [c, n] = golden_parser(0x156e, "ims_sip_message");
   std::vector<uint8_t> long_id(254, 'x');
   long_id.push_back(0);
   return {
       // P+0 1 | P+1 direction | P+2 sdp | P+3 call id len | P+4 msg len(2)
       // P+6 logged(2) | P+8 msg_id(2) | P+10 response code(2) | P+16 call id text
-      {c, "v1 uplink with a 4-byte call id",
-       P(24).le(0, 1, 1).le(1, 1, 1).le(2, 1, 1).le(3, 4, 1).le(4, 515, 2).le(6, 256, 2)
-           .le(8, 7, 2).le(10, 200, 2).text(16, std::string("ab1\0", 4)),
-       "version = 1, direction = 1, sdp_presence = 1, sip_call_id_len = 4, sip_msg_len = 515, "
-       "sip_msg_logged_bytes = 256, msg_id = 7\n",
-       116, R().u8(1).u8(1).u8(1).u8(4).u16(515).u16(256).u16(7).bytes({'a', 'b', '1', 0})},
-      {c, "v1 without call id",
-       P(24).le(0, 1, 1).le(4, 40, 2).le(6, 40, 2).le(8, 3, 2).le(16, 0x55, 1),
-       "version = 1, direction = 0, sdp_presence = 0, sip_call_id_len = 0, sip_msg_len = 40, "
-       "sip_msg_logged_bytes = 40, msg_id = 3\n",
-       116, R().u8(1).u8(0).u8(0).u8(0).u16(40).u16(40).u16(3)},
-      {c, "v1 with the longest call id",
-       P(300).le(0, 1, 1).le(3, 255, 1).text(16, std::string(long_id.begin(), long_id.end())),
-       "version = 1, direction = 0, sdp_presence = 0, sip_call_id_len = 255, sip_msg_len = 0, "
-       "sip_msg_logged_bytes = 0, msg_id = 0\n",
-       116, R().u8(1).u8(0).u8(0).u8(255).u16(0).u16(0).u16(0).bytes(long_id)},
+      sip(c, "v1 uplink with a 4-byte call id", P(24).le(0, 1, 1).le(1, 1, 1).le(2, 1, 1)
+          .le(3, 4, 1).le(4, 515, 2).le(6, 256, 2).le(8, 7, 2).le(10, 200, 2)
+          .text(16, std::string("ab1\0", 4)),
+          {1, 1, 4, 515, 256, 7}, {'a', 'b', '1', 0}),
+      sip(c, "v1 without call id", P(24).le(0, 1, 1).le(4, 40, 2).le(6, 40, 2).le(8, 3, 2)
+          .le(16, 0x55, 1), {0, 0, 0, 40, 40, 3}, {}),
+      sip(c, "v1 with the longest call id", P(300).le(0, 1, 1).le(3, 255, 1)
+          .text(16, std::string(long_id.begin(), long_id.end())), {0, 0, 255, 0, 0, 0}, long_id),
       refusal(c, 2, n),
   };
 }
 
 G ims_session_setup() {
-  const uint16_t c = 0x1830;
-  const char *n = "modem_stats_parse_1830_diag_log_ims_volte_session_setup";
+  const auto [c, n] = golden_parser(0x1830, "ims_volte_session_setup");
   // Every string 255 bytes: L1 at P+1, direction P+257, L2 P+258, L3 P+518,
   // L4 P+774, result P+1030, delay P+1032, rat P+1036.
   const P longest = P(1040).le(0, 2, 1).le(1, 255, 1).le(257, 1, 1).le(258, 255, 1)
                         .le(518, 255, 1).le(774, 255, 1).le(1030, 603, 2).le(1036, 2, 1);
   return {
-      {c, "v2 with four strings", session_with_strings(2, 200),
-       "version = 2, direction = 1, result = 200, call_setup_delay = 1500, rat = 3, "
-       "originating_url_len = 4, terminating_url_len = 2\n",
-       125, R().u8(2).u8(1).u16(200).u32(1500).u8(3).u8(4).u8(2)},
-      {c, "v4 with empty strings", session_empty(4, 486, 305419896, 1),
-       "version = 4, direction = 0, result = 486, call_setup_delay = 305419896, rat = 1, "
-       "originating_url_len = 0, terminating_url_len = 0\n",
-       125, R().u8(4).u8(0).u16(486).u32(305419896).u8(1).u8(0).u8(0)},
-      {c, "v2 with the longest strings", longest,
-       "version = 2, direction = 1, result = 603, call_setup_delay = 0, rat = 2, "
-       "originating_url_len = 255, terminating_url_len = 255\n",
-       125, R().u8(2).u8(1).u16(603).u32(0).u8(2).u8(255).u8(255)},
+      session(c, "v2 with four strings", session_with_strings(2, 200), "result", 125,
+              {2, 1, 200, 1500, 3, 4, 2}),
+      session(c, "v4 with empty strings", session_empty(4, 486, 305419896, 1), "result", 125,
+              {4, 0, 486, 305419896, 1, 0, 0}),
+      session(c, "v2 with the longest strings", longest, "result", 125,
+              {2, 1, 603, 0, 2, 255, 255}),
       refusal(c, 3, n),
   };
 }
 
 G ims_session_end() {
-  const uint16_t c = 0x1831;
-  const char *n = "modem_stats_parse_1831_diag_log_ims_volte_session_end";
+  const auto [c, n] = golden_parser(0x1831, "ims_volte_session_end");
   return {
-      {c, "v6 with four strings", session_with_strings(6, 16),
-       "version = 6, direction = 1, end_cause = 16, call_setup_delay = 1500, rat = 3, "
-       "originating_url_len = 4, terminating_url_len = 2\n",
-       126, R().u8(6).u8(1).u16(16).u32(1500).u8(3).u8(4).u8(2)},
-      {c, "v2 with empty strings", session_empty(2, 65535, 0, 0),
-       "version = 2, direction = 0, end_cause = 65535, call_setup_delay = 0, rat = 0, "
-       "originating_url_len = 0, terminating_url_len = 0\n",
-       126, R().u8(2).u8(0).u16(65535).u32(0).u8(0).u8(0).u8(0)},
-      {c, "v4 with empty strings", session_empty(4, 1, 20, 2),
-       "version = 4, direction = 0, end_cause = 1, call_setup_delay = 20, rat = 2, "
-       "originating_url_len = 0, terminating_url_len = 0\n",
-       126, R().u8(4).u8(0).u16(1).u32(20).u8(2).u8(0).u8(0)},
+      session(c, "v6 with four strings", session_with_strings(6, 16), "end_cause", 126,
+              {6, 1, 16, 1500, 3, 4, 2}),
+      session(c, "v2 with empty strings", session_empty(2, 65535, 0, 0), "end_cause", 126,
+              {2, 0, 65535, 0, 0, 0, 0}),
+      session(c, "v4 with empty strings", session_empty(4, 1, 20, 2), "end_cause", 126,
+              {4, 0, 1, 20, 2, 0, 0}),
       refusal(c, 5, n),
   };
 }
@@ -192,8 +173,7 @@ G ims_session_end() {
 // ---- WCDMA, GSM ----------------------------------------------------------------------
 
 G wcdma_pn_search() {
-  const uint16_t c = 0x4179;
-  const char *n = "modem_stats_parse_4179_diag_log_wcdma_pn_search_edition2";
+  const auto [c, n] = golden_parser(0x4179, "wcdma_pn_search_edition2");
   return {
       // P+0 8 | P+1..2 junk | P+3 rx_agc_old_0 s16 | P+5 rx_agc_old_1 s16 | P+7 junk
       // dB = (raw + 512) / 10 - 106
@@ -207,8 +187,7 @@ G wcdma_pn_search() {
 }
 
 G gsm_rx_diversity() {
-  const uint16_t c = 0x5096;
-  const char *n = "modem_stats_parse_5096_diag_log_gsm_l1_rx_diversity_metrics";
+  const auto [c, n] = golden_parser(0x5096, "gsm_l1_rx_diversity_metrics");
   return {
       // P+0 6 | P+1 rx_prx_old s16 | P+3 rx_drx_old s16 (1/16 dB) | P+5 junk
       {c, "v6", P(8).le(0, 6, 1).le(1, 0xf9c0, 2).le(3, 0xfa18, 2).le(5, 0x7f, 1),
@@ -221,17 +200,15 @@ G gsm_rx_diversity() {
 // ---- LTE MAC, RRC --------------------------------------------------------------------
 
 G lte_rach() {
-  const uint16_t c = 0xb062;
-  const char *n = "modem_stats_parse_b062_diag_log_lte_mac_rach_attempt";
+  const auto [c, n] = golden_parser(0xb062, "lte_mac_rach_attempt");
   // P+0 version | P+1 num_records | P+4 sub_packet_id | P+5 version_sub | P+11 rach_result
   auto attempt = [](int records, int sub_id, int sub_version, int result) {
     return P(12).le(0, 1, 1).le(1, records, 1).le(4, sub_id, 1).le(5, sub_version, 1)
         .le(11, result, 1);
   };
   auto line = [](int records, int sub_version, int result) {
-    return "sub_id = 0, version = 1, num_records = " + std::to_string(records) +
-           ", version_sub = " + std::to_string(sub_version) + ", rach_result = " +
-           std::to_string(result) + "\n";
+    return golden_fmt("sub_id = 0, version = 1, num_records = %d, version_sub = %d, "
+                      "rach_result = %d\n", records, sub_version, result);
   };
   return {
       golden_gated(c, "no attempt logged", attempt(0, 0, 0, 0), line(0, 0, -1), -1, n),
@@ -241,19 +218,16 @@ G lte_rach() {
        R().u8(1).u8(49).u8(127)},
       golden_gated(c, "negative result", attempt(1, 6, 49, 0x80), line(1, 49, -128), -128, n),
       golden_gated(c, "other sub-packet", attempt(1, 7, 49, 5), "", 7, "sub_packet_id"),
-      golden_refusal(c, "sub-version 48 refused", attempt(1, 6, 48, 5), 48,
-                     "lte_mac_rach_attempt"),
+      golden_refusal(c, "sub-version 48 refused", attempt(1, 6, 48, 5), 48, "lte_mac_rach_attempt"),
       golden_refusal(c, "version 2 refused", P(12).le(0, 2, 1).le(1, 1, 1), 2, n),
   };
 }
 
 G lte_ul_tb() {
-  const uint16_t c = 0xb064;
-  const char *n = "modem_stats_parse_b064_diag_log_lte_mac_ul_transport_block";
+  const auto [c, n] = golden_parser(0xb064, "lte_mac_ul_transport_block");
   // P+0 1 | P+4 sub_packet_id 8 | P+5 sub_version | P+8 num_samples | samples from P+9
   auto head = [](size_t size, int sub_id, int sub_version, int samples) {
-    return P(size).le(0, 1, 1).le(1, 1, 1).le(4, sub_id, 1).le(5, sub_version, 1)
-        .le(8, samples, 1);
+    return P(size).le(0, 1, 1).le(1, 1, 1).le(4, sub_id, 1).le(5, sub_version, 1).le(8, samples, 1);
   };
   // Sub-version 1 sample at s (12 bytes + H): s+2 u16 subframe | SFN << 4,
   // s+4 grant(2), s+7 padding(2), s+11 H. Later sub-versions: everything +2.
@@ -269,25 +243,20 @@ G lte_ul_tb() {
                    .le(23, 0xffffff, 3);  // sample 0's 3 header bytes
   const std::string zero =
       "LTE FSSR: [0][0], pad = 0, grant = 0, sfn_grant = 0.00, sfn_full = 0.00\n";
-  auto rec = [](int sub_version, int samples, int first, int last, int pad, int grant,
-                float sfn_grant, float sfn_full) {
-    return R().u8(1).u8(sub_version).u8(samples).u16(first).u16(last).u32(pad).u32(grant)
-        .f32(sfn_grant).f32(sfn_full);
+  // Summary and record of the FSSR sums.
+  auto fssr = [c = c](const char *what, P p, int sub_version, int samples, int first, int last,
+                      int pad, int grant, double sfn_grant, double sfn_full) {
+    return modem_stats_golden{c, what, p, golden_fmt("LTE FSSR: [%d][%d], pad = %d, grant = %d, "
+        "sfn_grant = %.2f, sfn_full = %.2f\n", first, last, pad, grant, sfn_grant, sfn_full), 114,
+        R().u8(1).u8(sub_version).u8(samples).u16(first).u16(last).u32(pad).u32(grant)
+            .f32(static_cast<float>(sfn_grant)).f32(static_cast<float>(sfn_full))};
   };
   return {
-      {c, "sub v1, one granted and one empty TTI", v1,
-       "LTE FSSR: [555][574], pad = 12, grant = 125, sfn_grant = 50.00, sfn_full = 90.40\n", 114,
-       rec(1, 2, 555, 574, 12, 125, 50.0f, 90.4f)},
-      {c, "sub v2, all padding", v2,
-       "LTE FSSR: [1023][1023], pad = 100, grant = 100, sfn_grant = 100.00, sfn_full = 0.00\n", 114,
-       rec(2, 1, 1023, 1023, 100, 100, 100.0f, 0.0f)},
-      {c, "sub v3, half padding", v3,
-       "LTE FSSR: [7][7], pad = 25, grant = 50, sfn_grant = 100.00, sfn_full = 50.00\n", 114,
-       rec(3, 1, 7, 7, 25, 50, 100.0f, 50.0f)},
-      {c, "sub v5, header bytes between samples", v5,
-       "LTE FSSR: [10][11], pad = 10, grant = 100, sfn_grant = 100.00, sfn_full = 90.00\n", 114,
-       rec(5, 2, 10, 11, 10, 100, 100.0f, 90.0f)},
-      {c, "sub v8, nothing granted", head(30, 8, 8, 1), zero, 114, rec(8, 1, 0, 0, 0, 0, 0, 0)},
+      fssr("sub v1, one granted and one empty TTI", v1, 1, 2, 555, 574, 12, 125, 50.0, 90.4),
+      fssr("sub v2, all padding", v2, 2, 1, 1023, 1023, 100, 100, 100.0, 0.0),
+      fssr("sub v3, half padding", v3, 3, 1, 7, 7, 25, 50, 100.0, 50.0),
+      fssr("sub v5, header bytes between samples", v5, 5, 2, 10, 11, 10, 100, 100.0, 90.0),
+      fssr("sub v8, nothing granted", head(30, 8, 8, 1), 8, 1, 0, 0, 0, 0, 0.0, 0.0),
       golden_gated(c, "no samples", head(30, 8, 1, 0), zero, 0, n),
       golden_gated(c, "more samples than fit", head(30, 8, 1, 255), zero, 255, n),
       golden_gated(c, "other sub-packet", head(30, 9, 1, 1), "", 9, n),
@@ -297,8 +266,7 @@ G lte_ul_tb() {
 }
 
 G lte_serving_cell_info() {
-  const uint16_t c = 0xb0c2;
-  const char *n = "modem_stats_parse_b0c2_diag_log_lte_rrc_serving_cell_info";
+  const auto [c, n] = golden_parser(0xb0c2, "lte_rrc_serving_cell_info");
   // P+0 3 | P+1 pci(2) | P+3 dl_earfcn(4) | P+7 ul_earfcn(4) | P+11/12 bandwidths
   // P+13 cgi(4) | P+17 tac(2) | P+19 band(4) | P+23 mcc(2) | P+25 mnc_num | P+26 mnc(2)
   const P v3 = P(30).le(0, 3, 1).le(1, 301, 2).le(3, 1825, 4).le(7, 19825, 4).le(11, 0x6464, 2)
@@ -314,8 +282,7 @@ G lte_serving_cell_info() {
 // ---- LTE physical layer -------------------------------------------------------------
 
 G lte_rx_agc() {
-  const uint16_t c = 0xb111;
-  const char *n = "modem_stats_parse_b111_diag_log_lte_ll1_rx_agc";
+  const auto [c, n] = golden_parser(0xb111, "lte_ll1_rx_agc");
   // P+0 version | P+1 bits 0-4 num_records | 40-byte records from P+8:
   //   +0 bits 0-1 rx chain | +8 u16 bits 0-11 RSSI; dB = (raw - 1024) / 4
   const P v164 = P(130).le(0, 164, 1)
@@ -333,18 +300,15 @@ G lte_rx_agc() {
       {c, "v166, chain 3 only", P(50).le(0, 166, 1).le(1, 1, 1).le(8, 3, 1).le(16, 1024, 2),
        "version = 166, num_records = 1, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, rssi3_i = 1024\n",
        96, R().u8(166).u8(1).f32(-256.0f).f32(-256.0f).f32(-256.0f).f32(0.0f)},
-      golden_gated(c, "no records", P(50).le(0, 164, 1).le(1, 0xe0, 1),
-                   "version = 164, num_records = 0, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, "
-                   "rssi3_i = 0\n", 0, n),
+      golden_gated(c, "no records", P(50).le(0, 164, 1).le(1, 0xe0, 1), "version = 164, "
+                   "num_records = 0, rssi0_i = 0, rssi1_i = 0, rssi2_i = 0, rssi3_i = 0\n", 0, n),
       refusal(c, 21, n),
   };
 }
 
 G lte_pusch_csf() {
-  const uint16_t c = 0xb14e;
-  const char *n = "modem_stats_parse_b14e_diag_log_lte_pusch_csf";
-  // pb 36 rank_idx (2) | pb 47 wideband_cqi_cw0 (4) | pb 51 wideband_cqi_cw1 (4); junk beside
-  // every field
+  const auto [c, n] = golden_parser(0xb14e, "lte_pusch_csf");
+  // pb 36 rank_idx (2) | pb 47 wideband_cqi_cw0 (4) | pb 51 wideband_cqi_cw1 (4); junk beside each
   const P set = P(16).le(0, 163, 1).bits(35, 1, 1).bits(36, 1, 2).bits(38, 1, 1).bits(46, 1, 1)
                     .bits(47, 13, 4).bits(51, 9, 4).bits(55, 1, 1);
   return {
@@ -355,8 +319,7 @@ G lte_pusch_csf() {
 }
 
 G lte_tx_power() {
-  const uint16_t c = 0xb16d;
-  const char *n = "modem_stats_parse_b16d_diag_log_lte_tx_power";
+  const auto [c, n] = golden_parser(0xb16d, "lte_tx_power");
   // P+0 49 | P+3 num | records from P+4. Record at s:
   //   s+4 24-bit word: bit 0 PUSCH, SFN << 4 | s+7 bit 1: 14-byte ACK/NAK mask (else 2)
   //   s+8+M u16: Tx power s8 in bits 6-13 | body at s+10+M:
@@ -393,13 +356,12 @@ G lte_tx_power() {
 
 // Power control: P+0 version | P+3 num_records | 12-byte records from P+4 (pb 32).
 std::string power_line(const char *power, int version, int records, int tx, int loss) {
-  return "version = " + std::to_string(version) + ", num_records = " + std::to_string(records) +
-         ", " + power + " " + std::to_string(tx) + ", dl_path_loss " + std::to_string(loss) + "\n";
+  return golden_fmt("version = %d, num_records = %d, %s %d, dl_path_loss %d\n", version, records,
+                    power, tx, loss);
 }
 
 G lte_pusch_power_control() {
-  const uint16_t c = 0xb16e;
-  const char *n = "modem_stats_parse_b16e_diag_log_lte_pusch_power_control";
+  const auto [c, n] = golden_parser(0xb16e, "lte_pusch_power_control");
   auto line = [](int version, int records, int tx, int loss) {
     return power_line("pusch_tx_power", version, records, tx, loss);
   };
@@ -424,8 +386,7 @@ G lte_pusch_power_control() {
 }
 
 G lte_pucch_power_control() {
-  const uint16_t c = 0xb16f;
-  const char *n = "modem_stats_parse_b16f_diag_log_lte_pucch_power_control";
+  const auto [c, n] = golden_parser(0xb16f, "lte_pucch_power_control");
   auto line = [](int version, int records, int tx, int loss) {
     return power_line("pucch_tx_power", version, records, tx, loss);
   };
@@ -445,8 +406,7 @@ G lte_pucch_power_control() {
 }
 
 G lte_pdsch_stat() {
-  const uint16_t c = 0xb173;
-  const char *n = "modem_stats_parse_b173_diag_log_lte_pdsch_stat_indication";
+  const auto [c, n] = golden_parser(0xb173, "lte_pdsch_stat_indication");
   // P+0 version | P+1 num_records | 40-byte records from P+4. Record 0:
   //   P+7 num_layers | TB 0 from P+16: P+17 bits 0-3 RNTI type, P+20 TB size(2),
   //   P+22 mcs, P+23 RBs, P+24 modulation order
@@ -458,20 +418,16 @@ G lte_pdsch_stat() {
         .le(62, 0xff, 1);        // record 1's MCS: ignored
   };
   auto line = [](int version, int records, int mcs, int rb, int mod, int rnti, int layers) {
-    char s[200];
-    std::snprintf(s, sizeof s,
-                  "version = %d, num_records = %d, pdsch_mcs = %d, pdsch_rb = %d, "
-                  "pdsch_mod_type = %d, pdsch_rnti_type = %d, num_layers = %d\n",
-                  version, records, mcs, rb, mod, rnti, layers);
-    return std::string(s);
+    return golden_fmt("version = %d, num_records = %d, pdsch_mcs = %d, pdsch_rb = %d, "
+                      "pdsch_mod_type = %d, pdsch_rnti_type = %d, num_layers = %d\n",
+                      version, records, mcs, rb, mod, rnti, layers);
   };
   // A packet whose record 0 is read and packed as drawn.
-  auto decoded = [&](const char *what, int version, int records, int mcs, int rb, int mod,
-                     int rnti, int layers) {
+  auto decoded = [&, c = c](const char *what, int version, int records, int mcs, int rb, int mod,
+                            int rnti, int layers) {
     return modem_stats_golden{c, what, pdsch(version, records, mcs, rb, mod, rnti, layers),
-                              line(version, records, mcs, rb, mod, rnti, layers), 93,
-                              R().u8(version).u8(records).u8(mcs).u8(rb).u8(mod).u8(rnti)
-                                  .u8(layers)};
+        line(version, records, mcs, rb, mod, rnti, layers), 93,
+        R().u8(version).u8(records).u8(mcs).u8(rb).u8(mod).u8(rnti).u8(layers)};
   };
   return {
       decoded("v48 two records", 48, 2, 27, 100, 6, 5, 2),
@@ -486,16 +442,12 @@ G lte_pdsch_stat() {
 }
 
 G lte_srv_meas() {
-  const uint16_t c = 0xb193;
-  const char *n = "modem_stats_parse_b193_diag_log_lte_srv_meas";
+  const auto [c, n] = golden_parser(0xb193, "lte_srv_meas");
   auto line = [](int sub_version, int earfcn, int rx_valid, int pci, int serving, int idx,
                  int cells) {
-    char s[200];
-    std::snprintf(s, sizeof s,
-                  "version = %d, earfcn = %d, rx_valid = %d, pci = %d, is_srv_cell = %d, "
-                  "srv_cell_idx = %d, num_cells = %d\n",
-                  sub_version, earfcn, rx_valid, pci, serving, idx, cells);
-    return std::string(s);
+    return golden_fmt("version = %d, earfcn = %d, rx_valid = %d, pci = %d, is_srv_cell = %d, "
+                      "srv_cell_idx = %d, num_cells = %d\n", sub_version, earfcn, rx_valid, pci,
+                      serving, idx, cells);
   };
   return {
       {c, "sub v36 PCell", srv_meas(kV36, 1825, 1, 3, 73, 0, 1), line(36, 1825, 3, 73, 1, 0, 1),

@@ -1,8 +1,9 @@
 // Golden packets of the NR5G log parsers. Payloads are drawn field by field
 // (P+n = payload byte n, the version word at P+0); everything not drawn is 0.
 // Versions that share a layout share a vector, run once under each.
-#include <cstdio>
+#include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "modem_stats/logs/golden.h"
@@ -21,11 +22,7 @@ golden_payload fill(golden_payload p, size_t from, size_t to, uint8_t v) {
 }
 golden_record rec(uint32_t version) { return golden_record().u32(version); }
 std::string v(uint32_t version) { return "version = " + std::to_string(version) + ", "; }
-std::string hex(uint32_t version) {
-  char s[16];
-  std::snprintf(s, sizeof s, "v0x%x", version);
-  return s;
-}
+std::string hex(uint32_t version) { return golden_fmt("v0x%x", version); }
 
 const char *const B872 = "modem_stats_parse_b872_diag_log_nr5g_l2_ul_tb";
 const char *const B884 = "modem_stats_parse_b884_diag_log_nr5g_mac_ul_phy_ch_power_ctrl";
@@ -42,32 +39,18 @@ const char *const B981 = "modem_stats_parse_b981_diag_log_nr5g_ml1_fc_informatio
 // The same serving cell at each version's positions:
 //   pci 501 | dl_arfcn 627264 | cgi 0x123456789a | mcc 310 | mnc_num 3 | mnc 260
 //   tac 0xabcdef | band 77
-golden_payload b823_cell(uint32_t version, int pci, int arfcn, int cgi, int mcc, int mnc_num,
-                         int mnc, int tac, int band) {
-  return pkt(version)
-      .le(pci, 501, 2)
-      .le(arfcn, 627264, 4)
-      .le(cgi, 0x123456789a, 8)
-      .le(mcc, 310, 2)
-      .le(mnc_num, 3, 1)
-      .le(mnc, 260, 2)
-      .le(tac, 0xabcdef, 4)
-      .le(band, 77, 2);
-}
-golden_record b823_record(uint32_t version) {
-  return rec(version)
-      .u(501, 2)
-      .u(627264, 4)
-      .u(0x123456789a, 8)
-      .u(310, 2)
-      .u(3, 1)
-      .u(260, 2)
-      .u(0xabcdef, 4)
-      .u(77, 2);
-}
-
 // The vectors are laid out as tables, one drawing per line where it fits.
 // clang-format off
+golden_payload b823_cell(uint32_t version, std::array<int, 8> at) {
+  const auto [pci, arfcn, cgi, mcc, mnc_num, mnc, tac, band] = at;
+  return pkt(version).le(pci, 501, 2).le(arfcn, 627264, 4).le(cgi, 0x123456789a, 8)
+      .le(mcc, 310, 2).le(mnc_num, 3, 1).le(mnc, 260, 2).le(tac, 0xabcdef, 4).le(band, 77, 2);
+}
+golden_record b823_record(uint32_t version) {
+  return rec(version).u(501, 2).u(627264, 4).u(0x123456789a, 8).u(310, 2).u(3, 1).u(260, 2)
+      .u(0xabcdef, 4).u(77, 2);
+}
+
 std::vector<modem_stats_golden> make() {
   std::vector<modem_stats_golden> g;
 
@@ -78,37 +61,32 @@ std::vector<modem_stats_golden> make() {
   //   0x30002/3 P+7   P+17   P+29  P+37  P+39     P+40  P+43  P+47
   const std::string b823 =
       "mcc = 310, mnc_num 3, mnc 260, tac 11259375, cgi 78187493530, pci 501\n";
-  g.push_back({0xB823, "v0x4", b823_cell(0x4, 4, 6, 18, 26, 28, 29, 32, 36), v(0x4) + b823, 130,
-      b823_record(0x4)});
-  g.push_back({0xB823, "v0x30000", b823_cell(0x30000, 4, 14, 26, 34, 36, 37, 40, 44),
-      v(0x30000) + b823, 130, b823_record(0x30000)});
-  for (uint32_t ver : {0x30002u, 0x30003u}) {
-    g.push_back({0xB823, hex(ver), b823_cell(ver, 7, 17, 29, 37, 39, 40, 43, 47), v(ver) + b823,
-        130, b823_record(ver)});
+  const std::pair<uint32_t, std::array<int, 8>> b823_places[] = {
+      {0x4, {4, 6, 18, 26, 28, 29, 32, 36}}, {0x30000, {4, 14, 26, 34, 36, 37, 40, 44}},
+      {0x30002, {7, 17, 29, 37, 39, 40, 43, 47}}, {0x30003, {7, 17, 29, 37, 39, 40, 43, 47}}};
+  for (const auto &[ver, at] : b823_places) {
+    g.push_back({0xB823, hex(ver), b823_cell(ver, at), v(ver) + b823, 130, b823_record(ver)});
   }
 
   // ---- 0xB825 configuration ----
   //   0x8/0xA/0x20000: P+58 groups | P+59 active_cc | P+60 active_rb (no NR-DC counts)
   //   0x30003 P+66..70, 0x30004/6 P+67..71: groups, NR-DC groups, active cc,
   //   NR-DC active cc, active rb
+  auto b825 = [&](uint32_t ver, const std::string &what, golden_payload p, std::array<int, 5> n) {
+    g.push_back({0xB825, what, p, v(ver) + golden_fmt("num_contiguous_cc_groups = %d, "
+        "num_nrdc_scg_contiguous_cc_groups = %d, num_active_cc = %d, num_nrdc_scg_active_cc = %d, "
+        "num_active_rb = %d\n", n[0], n[1], n[2], n[3], n[4]),
+        97, rec(ver).u(n[0], 1).u(n[1], 1).u(n[2], 1).u(n[3], 1).u(n[4], 1)});
+  };
   for (uint32_t ver : {0x8u, 0xAu, 0x20000u}) {
-    g.push_back({0xB825, hex(ver) + " ignores the later bytes",
-        fill(pkt(ver), 61, 72, 9).le(58, 1, 1).le(59, 2, 1).le(60, 4, 1),
-        v(ver) + "num_contiguous_cc_groups = 1, num_nrdc_scg_contiguous_cc_groups = 0, "
-        "num_active_cc = 2, num_nrdc_scg_active_cc = 0, num_active_rb = 4\n",
-        97, rec(ver).u(1, 1).u(0, 1).u(2, 1).u(0, 1).u(4, 1)});
+    b825(ver, hex(ver) + " ignores the later bytes",
+         fill(pkt(ver), 61, 72, 9).le(58, 1, 1).le(59, 2, 1).le(60, 4, 1), {1, 0, 2, 0, 4});
   }
-  g.push_back({0xB825, "v0x30003",
-      pkt(0x30003).le(66, 1, 1).le(67, 2, 1).le(68, 3, 1).le(69, 4, 1).le(70, 5, 1),
-      "version = 196611, num_contiguous_cc_groups = 1, num_nrdc_scg_contiguous_cc_groups = 2, "
-      "num_active_cc = 3, num_nrdc_scg_active_cc = 4, num_active_rb = 5\n",
-      97, rec(0x30003).u(1, 1).u(2, 1).u(3, 1).u(4, 1).u(5, 1)});
+  b825(0x30003, "v0x30003", pkt(0x30003).le(66, 1, 1).le(67, 2, 1).le(68, 3, 1).le(69, 4, 1)
+       .le(70, 5, 1), {1, 2, 3, 4, 5});
   for (uint32_t ver : {0x30004u, 0x30006u}) {
-    g.push_back({0xB825, hex(ver),
-        pkt(ver).le(66, 7, 1).le(67, 2, 1).le(68, 1, 1).le(69, 3, 1).le(70, 1, 1).le(71, 5, 1),
-        v(ver) + "num_contiguous_cc_groups = 2, num_nrdc_scg_contiguous_cc_groups = 1, "
-        "num_active_cc = 3, num_nrdc_scg_active_cc = 1, num_active_rb = 5\n",
-        97, rec(ver).u(2, 1).u(1, 1).u(3, 1).u(1, 1).u(5, 1)});
+    b825(ver, hex(ver), pkt(ver).le(66, 7, 1).le(67, 2, 1).le(68, 1, 1).le(69, 3, 1).le(70, 1, 1)
+         .le(71, 5, 1), {2, 1, 3, 1, 5});
   }
 
   // ---- 0xB872 uplink transport blocks ----
@@ -211,49 +189,42 @@ std::vector<modem_stats_golden> make() {
   // 0x20002: P+15 num_records | 72-byte records from P+28: +8 pdcp u32 | +16 crc u32 |
   //   +48 tb_bytes u64
   // 0x30000: P+7, records from P+20 | 0x30001: no count, one record at P+16: +12, +20, +52
+  auto b888 = [](uint32_t ver, int records, int pdcp, int crc, unsigned long long bytes) {
+    return v(ver) + golden_fmt("num_records = %d, num_pdcp_decode = %d, num_crc_fail = %d, "
+                               "tb_bytes = %llu\n", records, pdcp, crc, bytes);
+  };
   g.push_back({0xB888, "v0x20002 64-bit byte count",
       pkt(0x20002).le(15, 1, 1).le(36, 1200, 4).le(44, 3, 4).le(76, 0x100000005, 8),
-      "version = 131074, num_records = 1, num_pdcp_decode = 1200, num_crc_fail = 3, "
-      "tb_bytes = 4294967301\n",
-      88, rec(0x20002).u(1, 1).u(1200, 4).u(3, 4).u(0x100000005, 8)});
+      b888(0x20002, 1, 1200, 3, 0x100000005), 88,
+      rec(0x20002).u(1, 1).u(1200, 4).u(3, 4).u(0x100000005, 8)});
   g.push_back({0xB888, "v0x30001 one record, no count",
-      pkt(0x30001).le(28, 7, 4).le(36, 0, 4).le(68, 123456, 8),
-      "version = 196609, num_records = 1, num_pdcp_decode = 7, num_crc_fail = 0, "
-      "tb_bytes = 123456\n",
-      88, rec(0x30001).u(1, 1).u(7, 4).u(0, 4).u(123456, 8)});
-  g.push_back(golden_gated(0xB888, "v0x30000 no record",
-      pkt(0x30000).le(28, 7, 4).le(68, 123456, 8),
-      "version = 196608, num_records = 0, num_pdcp_decode = 7, num_crc_fail = 0, "
-      "tb_bytes = 123456\n",
-      0, B888));
+      pkt(0x30001).le(28, 7, 4).le(36, 0, 4).le(68, 123456, 8), b888(0x30001, 1, 7, 0, 123456), 88,
+      rec(0x30001).u(1, 1).u(7, 4).u(0, 4).u(123456, 8)});
+  g.push_back(golden_gated(0xB888, "v0x30000 no record", pkt(0x30000).le(28, 7, 4)
+      .le(68, 123456, 8), b888(0x30000, 0, 7, 0, 123456), 0, B888));
   // 27 records from P+28 end at P+1972; 28 would not fit.
   g.push_back(golden_gated(0xB888, "28 records cannot fit", pkt(0x20002).le(15, 28, 1),
-      "version = 131074, num_records = 28, num_pdcp_decode = 0, num_crc_fail = 0, tb_bytes = 0\n",
-      28, B888));
+      b888(0x20002, 28, 0, 0, 0), 28, B888));
 
   // ---- 0xB88A random access ----
   // 0x20003/6/7/9: P+21 rach_result | P+23 bitmask | blocks from P+28: Msg1 28 bytes,
   //   Msg2 12 bytes (+6 t_rnti, +8 ta). 0x30000/5: P+14, P+16, P+24, Msg1 36 bytes.
+  auto b88a = [](uint32_t ver, int mask, int t_rnti, int ta, int result) {
+    return "sub_id = 0, " + v(ver) + golden_fmt("rach_msg_bitmask = %d, t_rnti = %d, ta = %d, "
+                                                "rach_result = %d\n", mask, t_rnti, ta, result);
+  };
   for (uint32_t ver : {0x20006u, 0x20007u, 0x20009u}) {
     g.push_back({0xB88A, hex(ver) + " Msg1 and Msg2",
         pkt(ver).le(21, 0, 1).le(23, 3, 1).le(62, 0x4601, 2).le(64, 12, 2),
-        "sub_id = 0, " + v(ver) + "rach_msg_bitmask = 3, t_rnti = 17921, ta = 12, "
-        "rach_result = 0\n",
-        86, rec(ver).u(12, 2)});
+        b88a(ver, 3, 17921, 12, 0), 86, rec(ver).u(12, 2)});
   }
-  g.push_back({0xB88A, "v0x30005 Msg2 without Msg1",
-      pkt(0x30005).le(14, 1, 1).le(16, 2, 1).le(30, 100, 2).le(32, 31, 2).le(66, 999, 2)
-          .le(68, 999, 2),
-      "sub_id = 0, version = 196613, rach_msg_bitmask = 2, t_rnti = 100, ta = 31, "
-      "rach_result = 1\n",
+  g.push_back({0xB88A, "v0x30005 Msg2 without Msg1", pkt(0x30005).le(14, 1, 1).le(16, 2, 1)
+      .le(30, 100, 2).le(32, 31, 2).le(66, 999, 2).le(68, 999, 2), b88a(0x30005, 2, 100, 31, 1),
       86, rec(0x30005).u(31, 2)});
   g.push_back({0xB88A, "v0x20003 without Msg2", pkt(0x20003).le(23, 1, 1).le(62, 5, 2).le(64, 5, 2),
-      "sub_id = 0, version = 131075, rach_msg_bitmask = 1, t_rnti = 65535, ta = 65535, "
-      "rach_result = 0\n",
-      86, rec(0x20003).u(65535, 2)});
+      b88a(0x20003, 1, 65535, 65535, 0), 86, rec(0x20003).u(65535, 2)});
   g.push_back(golden_gated(0xB88A, "v0x30000 no result", pkt(0x30000).le(14, 255, 1),
-      "sub_id = 0, version = 196608, rach_msg_bitmask = 0, t_rnti = 65535, ta = 65535, "
-      "rach_result = 255\n", 255, B88A));
+      b88a(0x30000, 0, 65535, 65535, 255), 255, B88A));
 
   // ---- 0xB8A7 CSI report ----
   // P+7 (0x30005) / P+15 (0x20001) num_records | P+26 report quantity (23 = CSI) |

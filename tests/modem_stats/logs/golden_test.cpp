@@ -4,8 +4,8 @@
 //   category-7 self-test packet is refused by its version gate;
 // - its accepted packet heads, followed by hostile fillings, end every line,
 //   never write the payload, and make one of the code's own record kinds and
-//   sizes or say why they make none. The payload is a heap block of exactly 2000 bytes, so the
-//   sanitizer build catches any read past it.
+//   sizes or say why they make none. The payload is a heap block of exactly
+//   2000 bytes, so the sanitizer build catches any read past it.
 //
 // not_support_num is set to 0 before each packet, so a packet refused by a
 // version gate always prints not_support_num(1).
@@ -15,8 +15,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdio>
-#include <memory>
 #include <optional>
 #include <random>
 #include <set>
@@ -37,22 +35,21 @@ struct outcome {
 };
 
 outcome run(uint16_t code, const std::vector<uint8_t> &bytes) {
-  auto area = std::make_unique<uint8_t[]>(MODEM_STATS_READABLE_LEN);
-  std::fill_n(area.get(), MODEM_STATS_READABLE_LEN, 0);
-  std::copy(bytes.begin(), bytes.end(), area.get());
+  std::vector<uint8_t> area(MODEM_STATS_READABLE_LEN, 0);
+  std::copy(bytes.begin(), bytes.end(), area.begin());
   not_support_num = 0;
   outcome o{};
   modem_stats_single *record = nullptr;
   const std::string out = capture_stdout(
-      [&] { modem_stats_diag_process_log_rec(code, area.get(), &o.stat_id, &record); });
+      [&] { modem_stats_diag_process_log_rec(code, area.data(), &o.stat_id, &record); });
   o.text = out.substr(out.find('\n') + 1);
   if (record != nullptr) {
     EXPECT_EQ(record->stat_id, o.stat_id);
     o.record.emplace(record->data, record->data + record->data_len);
   }
   modem_stats_free_single(record);
-  o.payload_intact = std::equal(bytes.begin(), bytes.end(), area.get()) &&
-                     std::all_of(area.get() + bytes.size(), area.get() + MODEM_STATS_READABLE_LEN,
+  o.payload_intact = std::equal(bytes.begin(), bytes.end(), area.begin()) &&
+                     std::all_of(area.begin() + static_cast<long>(bytes.size()), area.end(),
                                  [](uint8_t b) { return b == 0; });
   return o;
 }
@@ -60,11 +57,7 @@ outcome run(uint16_t code, const std::vector<uint8_t> &bytes) {
 // Records compare as hex text, so a mismatch shows which bytes differ.
 std::string hex(const std::vector<uint8_t> &b) {
   std::string s;
-  char h[4];
-  for (uint8_t x : b) {
-    std::snprintf(h, sizeof h, "%02x ", x);
-    s += h;
-  }
+  for (uint8_t x : b) s += golden_fmt("%02x ", x);
   return s;
 }
 
@@ -184,9 +177,7 @@ TEST_P(LogCode, AcceptedHeadsSurviveHostileFillings) {
 
 INSTANTIATE_TEST_SUITE_P(Logs, LogCode, ::testing::ValuesIn(log_codes()),
                          [](const ::testing::TestParamInfo<uint16_t> &info) {
-                           char name[16];
-                           std::snprintf(name, sizeof name, "code_%04X", info.param);
-                           return std::string(name);
+                           return golden_fmt("code_%04X", info.param);
                          });
 
 }  // namespace
